@@ -1,0 +1,7 @@
+#include <ITolvarCamera.h>
+
+ITolvarCamera::ITolvarCamera(QObject* parent)
+    : QObject(parent)
+{}
+
+ITolvarCamera::~ITolvarCamera() = default;

@@ -1,0 +1,7 @@
+#include <ITolvarCameraPositionSensor.h>
+
+ITolvarCameraPositionSensor::ITolvarCameraPositionSensor(QObject* parent)
+    : QObject(parent)
+{}
+
+ITolvarCameraPositionSensor::~ITolvarCameraPositionSensor() = default;

@@ -1,0 +1,7 @@
+#include <ITolvarCrawler.h>
+
+ITolvarCrawler::ITolvarCrawler(QObject* parent)
+    : QObject(parent)
+{}
+
+ITolvarCrawler::~ITolvarCrawler() = default;

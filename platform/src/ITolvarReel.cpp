@@ -1,0 +1,7 @@
+#include <ITolvarReel.h>
+
+ITolvarReel::ITolvarReel(QObject* parent)
+    : QObject(parent)
+{}
+
+ITolvarReel::~ITolvarReel() = default;

@@ -1,0 +1,7 @@
+#include <ITolvarRts.h>
+
+ITolvarRts::ITolvarRts(QObject* parent)
+    : QObject(parent)
+{}
+
+ITolvarRts::~ITolvarRts() = default;
