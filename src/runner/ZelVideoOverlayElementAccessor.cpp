@@ -1,0 +1,110 @@
+#include <Tolvar/Varundo/ZelVideoOverlayElementAccessor.h>
+
+#include <Mavril/VideoOverlay/CVideoOverlayElement.h>
+#include <Mavril/VideoOverlay/CVideoOverlayText.h>
+#include <Mavril/VideoOverlay/ElementParam.h>
+
+namespace Tolvar::Varundo {
+
+using Mavril::VideoOverlay::CVideoOverlayElement;
+using Mavril::VideoOverlay::CVideoOverlayText;
+using Mavril::VideoOverlay::ElementParam;
+
+ZelVideoOverlayElementAccessor::ZelVideoOverlayElementAccessor(QObject* parent)
+    : QObject(parent)
+{}
+
+ZelVideoOverlayElementAccessor::~ZelVideoOverlayElementAccessor() = default;
+
+QString ZelVideoOverlayElementAccessor::generateElementKey(ElementParam& params)
+{
+    for (const QString& name :
+         {ElementParam::NAME_COLUMNBOUND, ElementParam::NAME_STATIC_ID, ElementParam::NAME_COLUMNCAPTION}) {
+        const QString key = params.value(name).toString();
+        if (!key.isEmpty()) {
+            return key;
+        }
+    }
+    return {};
+}
+
+void ZelVideoOverlayElementAccessor::registerElement(QString key, CVideoOverlayElement* element)
+{
+    if (!key.isEmpty()) {
+        m_registry.insert(key, element);
+    }
+}
+
+void ZelVideoOverlayElementAccessor::unregisterElement(CVideoOverlayElement* element)
+{
+    for (auto entry = m_registry.begin(); entry != m_registry.end(); ++entry) {
+        if (entry.value() == element) {
+            m_registry.erase(entry);
+            return;
+        }
+    }
+}
+
+void ZelVideoOverlayElementAccessor::setElementPosition(const QString& key, QPoint position)
+{
+    if (CVideoOverlayElement* const element = m_registry.value(key)) {
+        element->setColumn(position.x());
+        element->setRow(position.y());
+    }
+}
+
+void ZelVideoOverlayElementAccessor::setElementVisibility(const QString& key, bool visible)
+{
+    if (CVideoOverlayElement* const element = m_registry.value(key)) {
+        element->setEnabled(visible);
+    }
+}
+
+void ZelVideoOverlayElementAccessor::setElementText(const QString& key, const QString& text)
+{
+    if (CVideoOverlayText* const element = textElement(key)) {
+        element->setText(text);
+    }
+}
+
+void ZelVideoOverlayElementAccessor::setElementTextColor(const QString& key, QColor& colour)
+{
+    if (CVideoOverlayText* const element = textElement(key)) {
+        element->setTextColor(colour);
+    }
+}
+
+void ZelVideoOverlayElementAccessor::setElementBackgroundColor(const QString& key, QColor& colour)
+{
+    if (CVideoOverlayText* const element = textElement(key)) {
+        element->setBackgroundColor(colour);
+    }
+}
+
+void ZelVideoOverlayElementAccessor::setElementUnit(const QString& key, const QString& unit)
+{
+    if (CVideoOverlayText* const element = textElement(key)) {
+        element->setUnit(unit);
+    }
+}
+
+void ZelVideoOverlayElementAccessor::setElementFreeTextEnabled(const QString& key, int timeout,
+                                                               const QString& text)
+{
+    if (CVideoOverlayText* const element = textElement(key)) {
+        // Hidden first and shown last: it is the showing that starts the time-out, with the new text already
+        // in place.
+        element->setVisible(false);
+        element->setTimeout(timeout);
+        element->setText(text);
+        element->setEnabled(true);
+        element->setVisible(true);
+    }
+}
+
+CVideoOverlayText* ZelVideoOverlayElementAccessor::textElement(const QString& key) const
+{
+    return qobject_cast<CVideoOverlayText*>(m_registry.value(key));
+}
+
+} // namespace Tolvar::Varundo
