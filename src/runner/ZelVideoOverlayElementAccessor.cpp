@@ -20,7 +20,7 @@ QString ZelVideoOverlayElementAccessor::generateElementKey(ElementParam& params)
 {
     for (const QString& name :
          {ElementParam::NAME_COLUMNBOUND, ElementParam::NAME_STATIC_ID, ElementParam::NAME_COLUMNCAPTION}) {
-        const QString key = params.value(name).toString();
+        QString key = params.value(name).toString();
         if (!key.isEmpty()) {
             return key;
         }

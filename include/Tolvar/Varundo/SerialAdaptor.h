@@ -26,9 +26,9 @@ class VARUNDO_EXPORT SerialAdaptor : public QObject
 
 public:
     /// While so many bytes of replies wait for a line that does not drain, no more is read from it.
-    static constexpr qint64 MaxUnsentBytes = 64 * 1024;
+    static constexpr qint64 MaxUnsentBytes = 65536;
     /// What the port holds of bytes that were not read yet.
-    static constexpr qint64 MaxUnreadBytes = 64 * 1024;
+    static constexpr qint64 MaxUnreadBytes = 65536;
 
     /// Sets the line up (9600 8N1, no flow control) without opening it, and starts the watcher.
     explicit SerialAdaptor(QString portName, QObject* parent = nullptr);

@@ -32,9 +32,9 @@ class VARUNDO_EXPORT TcpServer : public QObject
 public:
     /// While so many bytes of replies wait for a client that does not take them, no more of its frames are
     /// acted upon. One answer may exceed it, by its own size.
-    static constexpr qint64 MaxUnsentBytes = 64 * 1024;
+    static constexpr qint64 MaxUnsentBytes = 65536;
     /// What a client's connection holds of bytes that were not read yet.
-    static constexpr qint64 MaxUnreadBytes = 64 * 1024;
+    static constexpr qint64 MaxUnreadBytes = 65536;
     /// So many older connections stay open beside the current one; the next one closes the oldest.
     static constexpr int MaxOlderClients = 16;
     /// After a failed accept (too many open files) the server tries again so much later.
