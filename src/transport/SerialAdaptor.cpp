@@ -172,7 +172,10 @@ void SerialAdaptor::openSerialPort(QString serialPort)
 
 void SerialAdaptor::closeSerialPort()
 {
-    m_serialPort->close();
+    // A device that closeIfGone() has closed already would only complain.
+    if (m_serialPort->isOpen() || !m_portOpen) {
+        m_serialPort->close();
+    }
     m_portOpen = false;
     m_reader->process(); // replies have nowhere to go any more; commands that were held back are carried out
 }
