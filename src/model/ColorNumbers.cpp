@@ -12,21 +12,21 @@ struct Rgba
     quint8 alpha;
 };
 
-/// One row per colour number. The names are those of the controllers' palette; Qt's named colours among them
+/// One row per colour number. The names are those of the protocol reference; Qt's named colours among them
 /// are written out, so that a table look-up costs no construction order.
 constexpr Rgba palette[] = {
     {0, 0, 0, 0},         //  0 transparent, the only one
     {255, 255, 255, 255}, //  1 white
-    {128, 0, 0, 255},     //  2 dark red
-    {0, 128, 0, 255},     //  3 dark green
-    {128, 128, 0, 255},   //  4 dark yellow
-    {0, 0, 128, 255},     //  5 dark blue
-    {128, 0, 128, 255},   //  6 dark magenta
-    {0, 128, 128, 255},   //  7 dark cyan
+    {128, 0, 0, 255},     //  2 maroon
+    {0, 128, 0, 255},     //  3 green
+    {128, 128, 0, 255},   //  4 olive
+    {0, 0, 128, 255},     //  5 navy
+    {128, 0, 128, 255},   //  6 purple
+    {0, 128, 128, 255},   //  7 teal
     {160, 160, 164, 255}, //  8 gray, as Qt::gray: not neutral
-    {192, 192, 192, 255}, //  9 light gray
+    {192, 192, 192, 255}, //  9 silver
     {255, 0, 0, 255},     // 10 red
-    {0, 255, 0, 255},     // 11 green
+    {0, 255, 0, 255},     // 11 lime
     {255, 255, 0, 255},   // 12 yellow
     {0, 0, 255, 255},     // 13 blue
     {255, 0, 255, 255},   // 14 magenta; there is no cyan
