@@ -6,10 +6,10 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonDocument>
-#include <QJsonObject>
 #include <QSaveFile>
 #include <QStandardPaths>
 
+#include <cerrno>
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -21,14 +21,65 @@ QString defaultFileName()
            QStringLiteral("/settings.json");
 }
 
-/// A renamed file is on disk only when its directory is.
-void syncDirectory(const QString& directory)
+/// What has been renamed or made in a directory is on disk only when the directory is.
+bool syncDirectory(const QString& directory)
 {
     const int handle = open(QFile::encodeName(directory).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (handle >= 0) {
-        fsync(handle);
-        close(handle);
+    if (handle < 0) {
+        return false;
     }
+    const bool done = fsync(handle) == 0 || errno == EINVAL; // some file systems have nothing to do here
+    close(handle);
+    return done;
+}
+
+/// The directory, and every one above it that is missing.
+bool makeDirectory(const QString& directory)
+{
+    if (QFileInfo(directory).isDir()) {
+        return true;
+    }
+    const QString parent = QFileInfo(directory).absolutePath();
+    return parent != directory && makeDirectory(parent) && QDir().mkdir(directory) && syncDirectory(parent);
+}
+
+/// Where a link leads to, so that the link outlives the file being replaced.
+QString resolved(const QString& name)
+{
+    const QFileInfo file(name);
+    return file.isSymLink() ? file.symLinkTarget() : file.absoluteFilePath();
+}
+
+/// A device must be neither read, which might never end, nor replaced by a file.
+bool isSomethingElse(const QString& name)
+{
+    const QFileInfo file(name);
+    return file.exists() && !file.isFile();
+}
+
+/// Empty on success, else the reason.
+QString write(const QString& name, const QByteArray& content)
+{
+    if (isSomethingElse(name)) {
+        return QStringLiteral("it is not a regular file");
+    }
+    const QString directory = QFileInfo(name).absolutePath();
+    if (!makeDirectory(directory)) {
+        return QStringLiteral("the directory %1 cannot be made").arg(directory);
+    }
+    QSaveFile file(name);
+    if (!file.open(QIODevice::WriteOnly)) {
+        return file.errorString();
+    }
+    if (file.write(content) != content.size() || !file.flush() || fsync(file.handle()) != 0) {
+        return file.error() == QFile::NoError ? qt_error_string(errno) : file.errorString();
+    }
+    if (!file.commit()) {
+        return file.errorString();
+    }
+    return syncDirectory(directory)
+               ? QString()
+               : QStringLiteral("the directory %1 cannot be brought to disk").arg(directory);
 }
 
 } // namespace
@@ -41,7 +92,11 @@ CApplicationSettings* CApplicationSettings::instance()
 
 QString CApplicationSettings::getCustomSetting(const QString& key, const QString& defaultValue) const
 {
-    return values().value(key, defaultValue);
+    const QJsonValue value = values().value(key);
+    if (!value.isString() && !value.isUndefined()) {
+        qCWarning(platformLog) << "setting" << key << "in" << fileName() << "is not a text";
+    }
+    return value.toString(defaultValue);
 }
 
 void CApplicationSettings::setCustomSetting(const QString& key, const QString& value)
@@ -50,15 +105,16 @@ void CApplicationSettings::setCustomSetting(const QString& key, const QString& v
     save();
 }
 
+/// Made absolute, so that a change of the working directory does not move the settings.
 void CApplicationSettings::setFileName(const QString& file)
 {
-    m_fileName = file;
+    m_fileName = file.isEmpty() ? QString() : QFileInfo(file).absoluteFilePath();
     m_values.reset();
 }
 
 /// Read when they are first needed: the default file's name depends on the application's, which is set in
 /// main().
-QHash<QString, QString>& CApplicationSettings::values() const
+QJsonObject& CApplicationSettings::values() const
 {
     if (!m_values) {
         m_values = load();
@@ -71,50 +127,43 @@ QString CApplicationSettings::fileName() const
     return m_fileName.isEmpty() ? defaultFileName() : m_fileName;
 }
 
-QHash<QString, QString> CApplicationSettings::load() const
+QJsonObject CApplicationSettings::load() const
 {
-    QHash<QString, QString> values;
-    QFile file(fileName());
+    QFile file(resolved(fileName()));
     if (!file.exists()) {
-        return values;
+        return {};
     }
-    if (!file.open(QIODevice::ReadOnly)) {
-        qCWarning(platformLog) << "settings" << file.fileName() << "cannot be read:" << file.errorString();
-        return values;
+    QString reason;
+    if (isSomethingElse(file.fileName())) {
+        qCWarning(platformLog) << "settings" << fileName() << "cannot be read: it is not a regular file";
+        return {};
     }
-    QJsonParseError error;
-    const QJsonDocument document = QJsonDocument::fromJson(file.readAll(), &error);
-    if (!document.isObject()) {
-        const QString aside = file.fileName() + QStringLiteral(".broken");
-        QFile::remove(aside);
-        const bool kept = QFile::rename(file.fileName(), aside);
-        qCWarning(platformLog) << "settings" << file.fileName() << "are broken:" << error.errorString()
-                               << (kept ? "- kept as" : "- cannot be kept as") << aside;
-        return values;
+    if (file.open(QIODevice::ReadOnly)) {
+        QJsonParseError parseError;
+        const QJsonDocument document = QJsonDocument::fromJson(file.readAll(), &parseError);
+        if (file.error() == QFile::NoError && document.isObject()) {
+            return document.object();
+        }
+        reason = file.error() != QFile::NoError                 ? file.errorString()
+                 : parseError.error != QJsonParseError::NoError ? parseError.errorString()
+                                                                : QStringLiteral("not a JSON object");
+    } else {
+        reason = file.errorString();
     }
-    const QJsonObject object = document.object();
-    for (auto value = object.begin(); value != object.end(); ++value) {
-        values.insert(value.key(), value.value().toString());
-    }
-    return values;
+    // Kept, since the next change would write over it.
+    const QString aside = file.fileName() + QStringLiteral(".broken");
+    file.close();
+    QFile::remove(aside);
+    const bool kept = QFile::rename(file.fileName(), aside);
+    qCWarning(platformLog) << "settings" << fileName() << "cannot be used:" << reason
+                           << (kept ? "- kept as" : "- cannot be kept as") << aside;
+    return {};
 }
 
-/// Written beside the old file, brought to disk, and renamed over it: whoever reads finds the old or the new.
 void CApplicationSettings::save() const
 {
-    const QString name = fileName();
-    const QString directory = QFileInfo(name).absolutePath();
-    QJsonObject object;
-    const auto& current = values();
-    for (auto value = current.begin(); value != current.end(); ++value) {
-        object.insert(value.key(), value.value());
+    const QString reason = write(resolved(fileName()), QJsonDocument(values()).toJson());
+    if (!reason.isEmpty()) {
+        qCWarning(platformLog) << "settings" << fileName() << "cannot be written:" << reason;
     }
-    QDir().mkpath(directory);
-    QSaveFile file(name);
-    if (!file.open(QIODevice::WriteOnly) || file.write(QJsonDocument(object).toJson()) < 0 || !file.flush() ||
-        fsync(file.handle()) != 0 || !file.commit()) {
-        qCWarning(platformLog) << "settings" << name << "cannot be written:" << file.errorString();
-        return;
-    }
-    syncDirectory(directory);
 }

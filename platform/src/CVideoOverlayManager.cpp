@@ -7,56 +7,70 @@
 #include <Mavril/VideoOverlay/CVideoOverlayText.h>
 #include <Mavril/VideoOverlay/IVideoOverlayElementAccessor.h>
 
+#include <QHash>
+#include <QMap>
 #include <QMutex>
 #include <QMutexLocker>
+#include <QPointer>
+#include <QScopedValueRollback>
 #include <QSet>
 
 namespace Mavril::VideoOverlay {
 
+/// Elements have no parent: in a QObject's list of children, and in a list of elements, each removal would be
+/// a walk, and a controller can have very many texts made.
 class CVideoOverlayManager::Private
 {
 public:
-    QMutex mutex; // guards elements
-    QList<CVideoOverlayElement*> elements;
-    QSet<CVideoOverlayElement*> beingRemoved;
+    struct Entry
+    {
+        CVideoOverlayElement* element;
+        bool custom;
+    };
+
+    IVideoOverlayElementAccessor* livingAccessor() const
+    {
+        return accessorIsObject && !accessorObject ? nullptr : accessor;
+    }
+
+    QMutex mutex;                        // guards elements
+    QMap<quint64, Entry> elements;       // by number, which is the order of creation
+    QHash<const void*, quint64> numbers; // where an element stands among them
+    quint64 lastNumber = 0;
+    QSet<const void*> announced;          // being removed at this moment
+    QSet<CVideoOverlayElement*> departed; // off the list, not deleted yet
+    bool replacing = false;
     std::unique_ptr<CVideoOverlayProfile> profile;
     IVideoOverlayElementAccessor* accessor = nullptr;
+    QPointer<QObject> accessorObject;
+    bool accessorIsObject = false;
 };
-
-namespace {
-
-void apply(const ElementDescription& description, CVideoOverlayText& text)
-{
-    ElementParam& params = text.getParamObject();
-    if (!description.binding.isEmpty()) {
-        params.insert(ElementParam::NAME_COLUMNBOUND, description.binding);
-    }
-    if (description.staticId != 0) {
-        params.insert(ElementParam::NAME_STATIC_ID, description.staticId);
-    }
-    if (!description.caption.isEmpty()) {
-        params.insert(ElementParam::NAME_COLUMNCAPTION, description.caption);
-    }
-    text.setRow(description.row);
-    text.setColumn(description.column);
-    text.setType(description.type);
-    text.setTextColor(description.textColor);
-    text.setBackgroundColor(description.backgroundColor);
-    text.setUnit(description.unit);
-    text.setTimeout(description.timeout);
-    text.setText(description.text);
-    text.setEnabled(description.enabled);
-    text.setVisible(description.visible);
-}
-
-} // namespace
 
 CVideoOverlayManager::CVideoOverlayManager(QObject* parent)
     : QObject(parent)
     , d(std::make_unique<Private>())
 {}
 
-CVideoOverlayManager::~CVideoOverlayManager() = default;
+/// An accessor that may be gone already is left alone.
+CVideoOverlayManager::~CVideoOverlayManager()
+{
+    const auto entries = d->elements;
+    auto objects = d->departed;
+    for (const Private::Entry& entry : entries) {
+        if (d->accessorObject) {
+            d->accessor->unregisterElement(entry.element);
+        }
+        entry.element->disconnect(this);
+        objects.insert(entry.element);
+    }
+    {
+        const QMutexLocker locker(&d->mutex);
+        d->elements.clear();
+        d->numbers.clear();
+    }
+    d->departed.clear();
+    qDeleteAll(objects);
+}
 
 CVideoOverlayProfile* CVideoOverlayManager::currentProfile() const
 {
@@ -70,35 +84,50 @@ QMutex* CVideoOverlayManager::mutex() const
 
 QList<CVideoOverlayElement*> CVideoOverlayManager::getElementList() const
 {
-    return d->elements;
+    QList<CVideoOverlayElement*> list;
+    list.reserve(d->elements.size());
+    for (const Private::Entry& entry : qAsConst(d->elements)) {
+        list.append(entry.element);
+    }
+    return list;
 }
 
 CVideoOverlayText* CVideoOverlayManager::createText()
 {
-    auto* const text = new CVideoOverlayText(this);
-    addElement(text);
+    auto element = std::make_unique<CVideoOverlayText>();
+    CVideoOverlayText* const text = element.get();
+    addElement(std::move(element), true);
     return text;
 }
 
-/// The object itself goes with the next turn of the event loop, so that an element may be deleted from within
-/// a signal of its own; to everybody else it is gone at once.
 void CVideoOverlayManager::deleteElementFromModel(CVideoOverlayElement* element)
 {
-    if (!element || !d->elements.contains(element) || d->beingRemoved.contains(element)) {
+    if (element && !d->numbers.contains(element)) {
+        qCWarning(platformLog) << "not an element of this overlay, and not deleted:"
+                               << static_cast<const void*>(element);
         return;
     }
-    d->beingRemoved.insert(element);
-    emit beforeRemoveElement(element);
-    d->beingRemoved.remove(element);
-
-    disconnect(element, &QObject::destroyed, this, nullptr);
-    forgetElement(element);
-    element->deleteLater();
+    removeElement(element);
 }
 
 void CVideoOverlayManager::setElementAccessor(IVideoOverlayElementAccessor* accessor)
 {
+    IVideoOverlayElementAccessor* const former = d->livingAccessor();
     d->accessor = accessor;
+    d->accessorObject = dynamic_cast<QObject*>(accessor);
+    d->accessorIsObject = d->accessorObject;
+    if (former == accessor) {
+        return;
+    }
+    for (const Private::Entry& entry : qAsConst(d->elements)) {
+        if (former) {
+            former->unregisterElement(entry.element);
+        }
+        if (accessor && !entry.custom) {
+            accessor->registerElement(accessor->generateElementKey(entry.element->getParamObject()),
+                                      entry.element);
+        }
+    }
 }
 
 bool CVideoOverlayManager::loadProfile(const QString& jsonFile, QString* error)
@@ -113,50 +142,96 @@ bool CVideoOverlayManager::loadProfileData(const QByteArray& json, const QString
     return useProfile(reader, reader.read(json), sourceName, error);
 }
 
+void CVideoOverlayManager::removeProfile()
+{
+    if (d->replacing) {
+        return; // who replaces removes
+    }
+    const QScopedValueRollback<bool> replacing(d->replacing, true);
+    removeAllElements();
+    d->profile.reset();
+}
+
 bool CVideoOverlayManager::useProfile(const ProfileReader& reader,
                                       const std::optional<ProfileDescription>& profile,
                                       const QString& sourceName, QString* error)
 {
-    if (!profile) {
+    if (!profile || d->replacing) {
         if (error) {
-            *error = reader.error();
+            *error = profile ? QStringLiteral("%1: another profile is being loaded").arg(sourceName)
+                             : reader.error();
         }
         return false;
     }
-    emit beforeRemoveElements();
-    const auto old = d->elements;
-    for (CVideoOverlayElement* const element : old) {
-        deleteElementFromModel(element);
-    }
-    for (const ElementDescription& description : profile->elements) {
-        auto* const text = new CVideoOverlayText(this);
-        apply(description, *text);
-        addElement(text);
-        if (d->accessor) {
-            d->accessor->registerElement(d->accessor->generateElementKey(text->getParamObject()), text);
+    {
+        const QScopedValueRollback<bool> replacing(d->replacing, true);
+        removeAllElements();
+        for (const ElementDescription& description : profile->elements) {
+            addElement(description.makeElement(), false);
         }
+        d->profile = std::make_unique<CVideoOverlayProfile>(profile->name, sourceName,
+                                                            static_cast<int>(profile->elements.size()));
     }
-    d->profile = std::make_unique<CVideoOverlayProfile>(profile->name, sourceName);
     emit profileLoaded();
     return true;
 }
 
-void CVideoOverlayManager::addElement(CVideoOverlayElement* element)
+void CVideoOverlayManager::addElement(std::unique_ptr<CVideoOverlayElement> owned, bool custom)
 {
+    CVideoOverlayElement* const element = owned.release(); // deleted by removal, or with the manager
     // An element that the host deletes without a word must not stay on the list, nor under its key.
     connect(element, &QObject::destroyed, this, [this, element] { forgetElement(element); });
-    const QMutexLocker locker(&d->mutex);
-    d->elements.append(element);
+    d->numbers.insert(element, ++d->lastNumber);
+    {
+        const QMutexLocker locker(mutex());
+        d->elements.insert(d->lastNumber, {element, custom});
+    }
+    if (IVideoOverlayElementAccessor* const accessor = custom ? nullptr : d->livingAccessor()) {
+        accessor->registerElement(accessor->generateElementKey(element->getParamObject()), element);
+    }
+}
+
+void CVideoOverlayManager::removeElement(CVideoOverlayElement* element)
+{
+    if (!d->numbers.contains(element) || d->announced.contains(element)) {
+        return;
+    }
+    d->announced.insert(element);
+    const QPointer<CVideoOverlayElement> remaining(element);
+    emit beforeRemoveElement(element);
+    if (!remaining) {
+        return; // a listener has deleted it, and so it is forgotten already
+    }
+    forgetElement(element);
+    d->departed.insert(element);
+    element->deleteLater();
+}
+
+/// What listeners have made meanwhile stays: it is nothing old.
+void CVideoOverlayManager::removeAllElements()
+{
+    emit beforeRemoveElements();
+    const auto numbers = d->elements.keys();
+    for (const quint64 number : numbers) {
+        removeElement(d->elements.value(number, {nullptr, false}).element);
+    }
 }
 
 /// The element may be half destroyed already; it is only compared with.
 void CVideoOverlayManager::forgetElement(CVideoOverlayElement* element)
 {
-    if (d->accessor) {
-        d->accessor->unregisterElement(element);
+    d->announced.remove(element);
+    d->departed.remove(element);
+    const auto number = d->numbers.find(element);
+    if (number == d->numbers.end()) {
+        return;
     }
-    const QMutexLocker locker(&d->mutex);
-    d->elements.removeOne(element);
+    if (IVideoOverlayElementAccessor* const accessor = d->livingAccessor()) {
+        accessor->unregisterElement(element);
+    }
+    const QMutexLocker locker(mutex());
+    d->elements.remove(*number);
+    d->numbers.erase(number);
 }
 
 } // namespace Mavril::VideoOverlay

@@ -1,43 +1,30 @@
 #include "ProfileReader.h"
 
+#include "JsonFields.h"
+#include "RepeatedField.h"
+
 #include <Mavril/VideoOverlay/ElementParam.h>
 
 #include <QFile>
+#include <QHash>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QJsonParseError>
-#include <QSet>
 #include <QStringList>
 
-#include <cmath>
+#include <utility>
 
 namespace Mavril::VideoOverlay {
 
 namespace {
 
 constexpr int lastCell = 255; // the protocol's positions are bytes
-
-QString inWords(const QJsonValue& value)
-{
-    switch (value.type()) {
-    case QJsonValue::Undefined:
-        return QStringLiteral("nothing");
-    case QJsonValue::Null:
-        return QStringLiteral("null");
-    case QJsonValue::Bool:
-        return value.toBool() ? QStringLiteral("true") : QStringLiteral("false");
-    case QJsonValue::Double:
-        return QString::number(value.toDouble(), 'g', 15);
-    case QJsonValue::String:
-        return QLatin1Char('"') + value.toString().left(60) + QLatin1Char('"');
-    case QJsonValue::Array:
-        return QStringLiteral("an array");
-    case QJsonValue::Object:
-        return QStringLiteral("an object");
-    }
-    return {};
-}
+constexpr int lastType = 255;
+constexpr int lastStaticId = 1'000'000;
+constexpr int longestTimeout = 24 * 60 * 60;
+constexpr int largestFont = 500;
+constexpr int longestSide = 10'000;
 
 const QStringList& bindings()
 {
@@ -62,11 +49,136 @@ const QStringList& bindings()
     return names;
 }
 
-/// QColor also takes "#RGB" and wider forms; a profile has one form with transparency and one without.
-QColor colorFromText(const QString& text)
+void readFont(JsonFields& outer, ElementDescription& element)
 {
-    const bool isNumber = text.startsWith(QLatin1Char('#'));
-    return isNumber && text.size() != 7 && text.size() != 9 ? QColor() : QColor(text);
+    const QString font = QStringLiteral("font");
+    if (!outer.has(font)) {
+        return;
+    }
+    if (!outer.value(font).isObject()) {
+        outer.failExpecting(font, QStringLiteral("an object with \"family\" and \"size\""));
+        return;
+    }
+    JsonFields fields(outer.value(font).toObject(), outer.pathOf(font));
+    fields.allowOnly({QStringLiteral("family"), QStringLiteral("size")});
+    if (fields.has(QStringLiteral("family"))) {
+        fields.readName(QStringLiteral("family"), element.fontFamily);
+    }
+    fields.readInteger(QStringLiteral("size"), 1, largestFont, element.fontSize);
+    outer.takeFaultOf(fields);
+}
+
+void readBinding(JsonFields& fields, ElementDescription& element)
+{
+    const QString field = QStringLiteral("binding");
+    element.binding = fields.value(field).toString();
+    if (!bindings().contains(element.binding)) {
+        fields.failExpecting(field, QStringLiteral("one of ") + bindings().join(QLatin1String(", ")));
+    }
+}
+
+void readStaticId(JsonFields& fields, ElementDescription& element)
+{
+    const QString field = QStringLiteral("id");
+    fields.readInteger(field, 1, lastStaticId, element.staticId);
+    if (!fields.has(field)) {
+        fields.failExpecting(field, QStringLiteral("an integer from 1 to %1").arg(lastStaticId));
+    }
+}
+
+/// The free text box of the protocol, unless the caption says otherwise.
+void readFreeCaption(JsonFields& fields, ElementDescription& element)
+{
+    element.caption = ElementParam::NAME_OSD_FREE_TEXT_BOX;
+    if (fields.has(QStringLiteral("caption"))) {
+        fields.readName(QStringLiteral("caption"), element.caption);
+    }
+}
+
+void readPlainCaption(JsonFields& fields, ElementDescription& element)
+{
+    fields.readName(QStringLiteral("caption"), element.caption);
+}
+
+struct Kind
+{
+    QLatin1String name;
+    QLatin1String identity; // the field that identifies an element of this kind, and no other
+    void (*readIdentity)(JsonFields& fields, ElementDescription& element);
+    bool isText;
+};
+
+constexpr Kind kinds[] = {
+    {QLatin1String("bound"), QLatin1String("binding"), readBinding, true},
+    {QLatin1String("static"), QLatin1String("id"), readStaticId, true},
+    {QLatin1String("free"), QLatin1String("caption"), readFreeCaption, true},
+    {QLatin1String("plain"), QLatin1String("caption"), readPlainCaption, false},
+};
+
+/// Null, and a fault, if there is no such kind.
+const Kind* readKind(JsonFields& fields)
+{
+    const QString field = QStringLiteral("kind");
+    const QString name = fields.value(field).toString();
+    for (const Kind& kind : kinds) {
+        if (name == kind.name) {
+            return &kind;
+        }
+    }
+    fields.failExpecting(field, QStringLiteral("\"bound\", \"static\", \"free\" or \"plain\""));
+    return nullptr;
+}
+
+QStringList fieldsOf(const Kind& kind)
+{
+    static const QStringList common{QStringLiteral("row"), QStringLiteral("column"), QStringLiteral("type"),
+                                    QStringLiteral("enabled"), QStringLiteral("visible")};
+    static const QStringList text{QStringLiteral("text"),
+                                  QStringLiteral("unit"),
+                                  QStringLiteral("timeout"),
+                                  QStringLiteral("textColor"),
+                                  QStringLiteral("backgroundColor"),
+                                  QStringLiteral("font")};
+    static const QStringList plain{QStringLiteral("width"), QStringLiteral("height")};
+    return QStringList{QStringLiteral("kind"), QString(kind.identity)} + common +
+           (kind.isText ? text : plain);
+}
+
+void readElement(JsonFields& fields, ElementDescription& element)
+{
+    const Kind* const kind = readKind(fields);
+    if (!kind) {
+        return;
+    }
+    element.isText = kind->isText;
+    fields.allowOnly(fieldsOf(*kind));
+    kind->readIdentity(fields, element);
+    fields.readInteger(QStringLiteral("row"), 0, lastCell, element.row);
+    fields.readInteger(QStringLiteral("column"), 0, lastCell, element.column);
+    fields.readInteger(QStringLiteral("type"), 0, lastType, element.type);
+    fields.readBoolean(QStringLiteral("enabled"), element.enabled);
+    fields.readBoolean(QStringLiteral("visible"), element.visible);
+    fields.readText(QStringLiteral("text"), element.text);
+    fields.readText(QStringLiteral("unit"), element.unit);
+    fields.readInteger(QStringLiteral("timeout"), 0, longestTimeout, element.timeout);
+    fields.readColor(QStringLiteral("textColor"), element.textColor);
+    fields.readColor(QStringLiteral("backgroundColor"), element.backgroundColor);
+    fields.readInteger(QStringLiteral("width"), 0, longestSide, element.width);
+    fields.readInteger(QStringLiteral("height"), 0, longestSide, element.height);
+    readFont(fields, element);
+}
+
+QString elementPath(int index)
+{
+    return QStringLiteral("elements[%1]").arg(index);
+}
+
+/// "LINE:COLUMN", both from 1, the column in characters.
+QString inLines(const QByteArray& json, int offset)
+{
+    const QByteArray before = json.left(offset);
+    const QByteArray line = before.mid(before.lastIndexOf('\n') + 1);
+    return QStringLiteral("%1:%2").arg(before.count('\n') + 1).arg(QString::fromUtf8(line).size() + 1);
 }
 
 } // namespace
@@ -79,190 +191,81 @@ std::optional<ProfileDescription> ProfileReader::readFile(const QString& file)
 {
     QFile json(file);
     if (!json.open(QIODevice::ReadOnly)) {
-        m_error = QStringLiteral("%1: cannot be read: %2").arg(m_sourceName, json.errorString());
-        return std::nullopt;
+        return fail(QStringLiteral(": cannot be read: ") + json.errorString());
     }
-    return read(json.read(MaxBytes + 1));
+    const QByteArray content = json.read(MaxBytes + 1);
+    if (json.error() != QFile::NoError) {
+        return fail(QStringLiteral(": cannot be read: ") + json.errorString());
+    }
+    return read(content);
 }
 
 std::optional<ProfileDescription> ProfileReader::read(const QByteArray& json)
 {
     if (json.size() > MaxBytes) {
-        m_error = QStringLiteral("%1: larger than %2 bytes").arg(m_sourceName).arg(MaxBytes);
-        return std::nullopt;
+        return fail(QStringLiteral(": larger than %1 bytes").arg(MaxBytes));
     }
+    const std::optional<QJsonObject> root = parse(json);
+    return root ? readRoot(*root) : std::nullopt;
+}
+
+std::optional<QJsonObject> ProfileReader::parse(const QByteArray& json)
+{
     QJsonParseError parseError;
     const QJsonDocument document = QJsonDocument::fromJson(json, &parseError);
     if (parseError.error != QJsonParseError::NoError) {
-        const QByteArray before = json.left(parseError.offset);
-        m_error = QStringLiteral("%1:%2:%3: %4")
-                      .arg(m_sourceName)
-                      .arg(before.count('\n') + 1)
-                      .arg(before.size() - before.lastIndexOf('\n'))
-                      .arg(parseError.errorString());
-        return std::nullopt;
+        // The offset is that of the first byte that was not looked at.
+        return fail(QStringLiteral(":%1: %2").arg(inLines(json, qMax(parseError.offset - 1, 0)),
+                                                  parseError.errorString()));
+    }
+    if (const auto repeated = RepeatedField::find(json)) {
+        return fail(QStringLiteral(":%1: the field \"%2\" is there twice")
+                        .arg(inLines(json, repeated->offset), repeated->name));
     }
     if (!document.isObject()) {
-        m_error = QStringLiteral("%1: expected an object with \"elements\"").arg(m_sourceName);
-        return std::nullopt;
+        return fail(QStringLiteral(": expected an object with \"elements\", got an array"));
     }
+    return document.object();
+}
 
-    const QJsonObject root = document.object();
+std::optional<ProfileDescription> ProfileReader::readRoot(const QJsonObject& root)
+{
     const QString elementsField = QStringLiteral("elements");
     ProfileDescription profile;
-    m_where.clear();
-    if (!checkFields(root, {QStringLiteral("name"), elementsField}) ||
-        !readText(root, QStringLiteral("name"), profile.name)) {
-        return std::nullopt;
+    JsonFields fields(root, QString());
+    fields.allowOnly({QStringLiteral("name"), elementsField});
+    fields.readText(QStringLiteral("name"), profile.name);
+    const QJsonArray elements = fields.value(elementsField).toArray();
+    if (!fields.value(elementsField).isArray()) {
+        fields.failExpecting(elementsField, QStringLiteral("an array"));
+    } else if (elements.size() > MaxElements) {
+        fields.fail(
+            elementsField,
+            QStringLiteral("expected %1 elements at most, got %2").arg(MaxElements).arg(elements.size()));
     }
-    if (!root.value(elementsField).isArray()) {
-        fail(elementsField,
-             QStringLiteral("expected an array, got %1").arg(inWords(root.value(elementsField))));
-        return std::nullopt;
+    if (!fields.isSound()) {
+        return fail(QStringLiteral(": ") + fields.fault());
     }
-    const QJsonArray elements = root.value(elementsField).toArray();
-    profile.elements.resize(elements.size());
-    for (int i = 0; i < elements.size(); ++i) {
-        m_where = QStringLiteral("elements[%1]").arg(i);
-        if (!elements.at(i).isObject()) {
-            fail({}, QStringLiteral("expected an object, got %1").arg(inWords(elements.at(i))));
-            return std::nullopt;
-        }
-        if (!readElement(elements.at(i).toObject(), profile.elements[i])) {
-            return std::nullopt;
-        }
-    }
-    if (!checkDistinct(profile.elements)) {
+    if (!readElements(elements, profile) || !checkDistinct(profile.elements)) {
         return std::nullopt;
     }
     return profile;
 }
 
-bool ProfileReader::readElement(const QJsonObject& object, ElementDescription& element)
+bool ProfileReader::readElements(const QJsonArray& elements, ProfileDescription& profile)
 {
-    return readKind(object, element) &&
-           readInteger(object, QStringLiteral("row"), 0, lastCell, element.row) &&
-           readInteger(object, QStringLiteral("column"), 0, lastCell, element.column) &&
-           readInteger(object, QStringLiteral("type"), 0, lastCell, element.type) &&
-           readInteger(object, QStringLiteral("timeout"), 0, 24 * 60 * 60, element.timeout) &&
-           readBoolean(object, QStringLiteral("enabled"), element.enabled) &&
-           readBoolean(object, QStringLiteral("visible"), element.visible) &&
-           readText(object, QStringLiteral("text"), element.text) &&
-           readText(object, QStringLiteral("unit"), element.unit) &&
-           readColor(object, QStringLiteral("textColor"), element.textColor) &&
-           readColor(object, QStringLiteral("backgroundColor"), element.backgroundColor);
-}
-
-/// The kind decides what identifies the element, and so which of the identifying fields may be there.
-bool ProfileReader::readKind(const QJsonObject& object, ElementDescription& element)
-{
-    QVector<QString> known{QStringLiteral("kind"),           QStringLiteral("row"),
-                           QStringLiteral("column"),         QStringLiteral("type"),
-                           QStringLiteral("timeout"),        QStringLiteral("enabled"),
-                           QStringLiteral("visible"),        QStringLiteral("text"),
-                           QStringLiteral("unit"),           QStringLiteral("textColor"),
-                           QStringLiteral("backgroundColor")};
-    const QString kind = object.value(QStringLiteral("kind")).toString();
-    if (kind == QLatin1String("bound")) {
-        known.append(QStringLiteral("binding"));
-    } else if (kind == QLatin1String("static")) {
-        known.append(QStringLiteral("id"));
-    } else if (kind != QLatin1String("free")) {
-        return fail(QStringLiteral("kind"),
-                    QStringLiteral("expected \"bound\", \"static\" or \"free\", got %1")
-                        .arg(inWords(object.value(QStringLiteral("kind")))));
-    }
-    return checkFields(object, known) && readIdentity(kind, object, element);
-}
-
-bool ProfileReader::readIdentity(const QString& kind, const QJsonObject& object, ElementDescription& element)
-{
-    if (kind == QLatin1String("free")) {
-        element.caption = ElementParam::NAME_OSD_FREE_TEXT_BOX;
-        return true;
-    }
-    if (kind == QLatin1String("static")) {
-        const QString field = QStringLiteral("id");
-        return object.contains(field) ? readInteger(object, field, 1, 1'000'000, element.staticId)
-                                      : fail(field, QStringLiteral("a static text needs a number"));
-    }
-    const QString field = QStringLiteral("binding");
-    const QJsonValue binding = object.value(field);
-    if (!bindings().contains(binding.toString())) {
-        return fail(field, QStringLiteral("expected one of %1; got %2")
-                               .arg(bindings().join(QLatin1String(", ")), inWords(binding)));
-    }
-    element.binding = binding.toString();
-    return true;
-}
-
-bool ProfileReader::readInteger(const QJsonObject& object, const QString& field, int lowest, int highest,
-                                int& value)
-{
-    if (!object.contains(field)) {
-        return true;
-    }
-    const QJsonValue json = object.value(field);
-    const double number = json.toDouble(std::nan(""));
-    if (!(number >= lowest && number <= highest) || number != std::floor(number)) {
-        return fail(field, QStringLiteral("expected an integer from %1 to %2, got %3")
-                               .arg(lowest)
-                               .arg(highest)
-                               .arg(inWords(json)));
-    }
-    value = static_cast<int>(number);
-    return true;
-}
-
-bool ProfileReader::readBoolean(const QJsonObject& object, const QString& field, bool& value)
-{
-    if (!object.contains(field)) {
-        return true;
-    }
-    const QJsonValue json = object.value(field);
-    if (!json.isBool()) {
-        return fail(field, QStringLiteral("expected true or false, got %1").arg(inWords(json)));
-    }
-    value = json.toBool();
-    return true;
-}
-
-bool ProfileReader::readText(const QJsonObject& object, const QString& field, QString& value)
-{
-    if (!object.contains(field)) {
-        return true;
-    }
-    const QJsonValue json = object.value(field);
-    if (!json.isString()) {
-        return fail(field, QStringLiteral("expected a text, got %1").arg(inWords(json)));
-    }
-    value = json.toString();
-    return true;
-}
-
-bool ProfileReader::readColor(const QJsonObject& object, const QString& field, QColor& value)
-{
-    if (!object.contains(field)) {
-        return true;
-    }
-    const QJsonValue json = object.value(field);
-    value = colorFromText(json.toString());
-    if (!value.isValid()) {
-        return fail(
-            field, QStringLiteral("expected a colour such as \"#AARRGGBB\", \"#RRGGBB\" or \"white\", got %1")
-                       .arg(inWords(json)));
-    }
-    return true;
-}
-
-/// A field that is not known is most likely a typo of one that is.
-bool ProfileReader::checkFields(const QJsonObject& object, const QVector<QString>& known)
-{
-    for (auto field = object.begin(); field != object.end(); ++field) {
-        if (!known.contains(field.key())) {
-            return fail(field.key(),
-                        QStringLiteral("unknown field; known here are %1")
-                            .arg(QStringList(known.begin(), known.end()).join(QLatin1String(", "))));
+    profile.elements.resize(elements.size());
+    for (int i = 0; i < elements.size(); ++i) {
+        const QJsonValue value = elements.at(i);
+        JsonFields fields(value.toObject(), elementPath(i));
+        if (!value.isObject()) {
+            fields.fail({}, QStringLiteral("expected an object, got ") + inWords(value));
+        } else {
+            readElement(fields, profile.elements[i]);
+        }
+        if (!fields.isSound()) {
+            fail(QStringLiteral(": ") + fields.fault());
+            return false;
         }
     }
     return true;
@@ -271,26 +274,23 @@ bool ProfileReader::checkFields(const QJsonObject& object, const QVector<QString
 /// Two elements under one key could not be told apart.
 bool ProfileReader::checkDistinct(const QVector<ElementDescription>& elements)
 {
-    QSet<QString> keys;
+    QHash<QString, int> keys;
     for (int i = 0; i < elements.size(); ++i) {
-        const ElementDescription& element = elements.at(i);
-        const QString key = !element.binding.isEmpty() ? element.binding
-                            : element.staticId != 0    ? QString::number(element.staticId)
-                                                       : element.caption;
-        if (keys.contains(key)) {
-            m_where = QStringLiteral("elements[%1]").arg(i);
-            return fail({}, QStringLiteral("\"%1\" is there twice").arg(key));
+        const QString key = elements.at(i).key();
+        const auto first = keys.constFind(key);
+        if (first != keys.constEnd()) {
+            fail(QStringLiteral(": %1: \"%2\" is %3 already").arg(elementPath(i), key, elementPath(*first)));
+            return false;
         }
-        keys.insert(key);
+        keys.insert(key, i);
     }
     return true;
 }
 
-bool ProfileReader::fail(const QString& field, const QString& what)
+std::nullopt_t ProfileReader::fail(const QString& what)
 {
-    const QString separator = m_where.isEmpty() || field.isEmpty() ? QString() : QStringLiteral(".");
-    m_error = QStringLiteral("%1: %2: %3").arg(m_sourceName, m_where + separator + field, what);
-    return false;
+    m_error = m_sourceName + what;
+    return std::nullopt;
 }
 
 } // namespace Mavril::VideoOverlay

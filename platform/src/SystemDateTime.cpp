@@ -15,7 +15,12 @@ SystemClock* installedClock = nullptr;
 
 } // namespace
 
-SystemClock::~SystemClock() = default;
+SystemClock::~SystemClock()
+{
+    if (installedClock == this) {
+        installedClock = nullptr;
+    }
+}
 
 void SystemDateTime::setDateTime(const QDateTime& dateTime)
 {

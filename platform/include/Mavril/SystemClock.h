@@ -8,7 +8,8 @@ class QTime;
 
 namespace Mavril {
 
-/// The clock that a SystemDateTime sets. The host implements it and installs it.
+/// The clock that a SystemDateTime sets. The host implements it, owns it and installs it; it is called in the
+/// GUI thread. A clock that is destroyed while it is installed takes itself out.
 class VARUNDO_PLATFORM_EXPORT SystemClock
 {
 public:

@@ -17,7 +17,7 @@ public:
     void setDateTime(const QDateTime& dateTime);
     void setTime(const QTime& time);
 
-    /// Not owned: to be taken out (null) before it is destroyed.
+    /// Not owned. Null takes the installed one out.
     static void install(SystemClock* clock);
 };
 
