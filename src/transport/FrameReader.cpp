@@ -21,23 +21,16 @@ void FrameReader::process()
         if (bytes.isEmpty()) {
             return;
         }
-        m_abandoned = false;
         const quint64 discarded = counters().discardedBytes;
         const qsizetype used = newRead ? m_decoder.decode(bytes.constData(), bytes.size(), *this)
                                        : m_decoder.resume(bytes.constData(), bytes.size(), *this);
         if (counters().discardedBytes != discarded) {
             qCDebug(transportLog, "%llu bytes discarded", counters().discardedBytes - discarded);
         }
-        if (used < bytes.size() && !m_abandoned) {
+        if (used < bytes.size()) {
             m_rest = bytes.mid(static_cast<int>(used));
         }
     }
-}
-
-void FrameReader::abandonRead()
-{
-    m_rest.clear();
-    m_abandoned = true;
 }
 
 } // namespace Tolvar::Varundo

@@ -25,8 +25,8 @@ public:
     /// takes everything up.
     void process();
 
-    /// Gives up the rest of the read that is being decoded or held back.
-    void abandonRead();
+    /// Gives up what is held back.
+    void discardRest() { m_rest.clear(); }
 
     const FrameCounters& counters() const { return m_decoder.counters(); }
 
@@ -40,12 +40,11 @@ protected:
 private:
     friend class FrameDecoder;
     void byteDiscarded(quint8) {} // the decoder's counter is all that is kept of it
-    bool wantsMore() const { return !m_abandoned && !isBehind(); }
+    bool wantsMore() const { return !isBehind(); }
 
     FrameDecoder m_decoder;
     QByteArray m_rest; // of a read, held back; what the device has received since comes after it
     bool m_processing = false;
-    bool m_abandoned = false;
 };
 
 } // namespace Tolvar::Varundo

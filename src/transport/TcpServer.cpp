@@ -84,6 +84,7 @@ void TcpServer::newConnection()
         return;
     }
     m_acceptFailed = false;
+    m_acceptedSinceError = true;
     if (m_client) {
         retire(m_client);
     }
@@ -152,7 +153,7 @@ void TcpServer::listen()
 /// had to say is not read any more.
 void TcpServer::retire(QTcpSocket* older)
 {
-    m_reader->abandonRead();
+    m_reader->discardRest();
     m_olderClients.append(older);
     if (m_olderClients.size() > MaxOlderClients) {
         QTcpSocket* const oldest = m_olderClients.takeFirst();
@@ -171,18 +172,23 @@ void TcpServer::onDisconnected(QTcpSocket* socket)
     }
     m_client = nullptr;
     // Replies have nowhere to go any more; commands that arrived in time are carried out all the same.
-    m_reader->leave(socket->readAll());
+    if (socket->isOpen()) {
+        m_reader->leave(socket->readAll());
+    }
     m_reader->process();
 }
 
 /// The server stops accepting after an error, such as too many open files, and nobody but us starts it again.
+/// Once there was an error it also reports that one again each time it has accepted all who wait; such a
+/// report is no news.
 void TcpServer::onAcceptError()
 {
-    if (!std::exchange(m_acceptFailed, true)) {
+    const bool isOldNews = std::exchange(m_acceptedSinceError, false);
+    if (!isOldNews && !std::exchange(m_acceptFailed, true)) {
         qCWarning(transportLog, "cannot accept a connection: %s; trying again every %d ms",
                   qPrintable(m_server->errorString()), AcceptRetryMs);
     }
-    QTimer::singleShot(AcceptRetryMs, m_server, [this] {
+    QTimer::singleShot(isOldNews ? 0 : AcceptRetryMs, m_server, [this] {
         if (m_server->isListening()) {
             m_server->resumeAccepting();
         }
