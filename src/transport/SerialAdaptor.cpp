@@ -22,7 +22,7 @@ constexpr int maxErrorsInARow = 100;
 bool hasHungUp(int handle)
 {
     pollfd device{handle, 0, 0};
-    return poll(&device, 1, 0) != 0; // hang-up, error and bad descriptor are reported unasked
+    return poll(&device, 1, 0) > 0; // hang-up, error and bad descriptor are reported unasked
 }
 
 } // namespace
@@ -167,7 +167,12 @@ void SerialAdaptor::openSerialPort(QString serialPort)
     }
     m_errorsInARow = 0;
     m_serialPort->setPortName(QStringLiteral("/dev/%1").arg(serialPort));
+    m_serialPort->setBaudRate(m_baudrate, QSerialPort::AllDirections); // a line that was gone did not take it
     m_portOpen = m_serialPort->open(QIODevice::ReadWrite);
+    if (!m_portOpen) {
+        qCWarning(transportLog, "%s cannot be opened (%s); not tried again until the adapter has been away",
+                  qPrintable(m_serialPort->portName()), qPrintable(m_serialPort->errorString()));
+    }
 }
 
 void SerialAdaptor::closeSerialPort()

@@ -13,8 +13,9 @@ namespace Tolvar::Varundo {
 /// Looks once a second whether a USB serial adapter's device node exists, and tells when the first has
 /// appeared and when the last has gone. Only /dev/ttyUSB1 and /dev/ttyUSB0 are looked at; ttyUSB1 wins.
 ///
-/// It reports edges: a change of adapter between two looks is not reported, and neither is a node that cannot
-/// be opened. Lives in a thread of its own, owned by the SerialAdaptor; all its signals are queued to it.
+/// It reports edges: a change of adapter between two looks is not reported (the log tells of it), and neither
+/// is a node that cannot be opened. Lives in a thread of its own, owned by the SerialAdaptor; all its signals
+/// are queued to it.
 class VARUNDO_EXPORT SerialPortWatcher : public QObject
 {
     Q_OBJECT
@@ -39,9 +40,13 @@ signals:
     void serialPortDisconnected();
 
 private:
+    void tellOfAnExchange();
+
     QString m_portName;
     QTimer* m_pollTimer;
-    bool m_connected = false; // between a reported appearance and the next reported disappearance
+    bool m_connected = false;             // between a reported appearance and the next reported disappearance
+    const char* m_reportedNode = nullptr; // while connected, until it is found exchanged
+    quint64 m_reportedIdentity = 0;
 };
 
 } // namespace Tolvar::Varundo
