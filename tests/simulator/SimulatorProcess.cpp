@@ -1,0 +1,105 @@
+#include "SimulatorProcess.h"
+
+#include <QFile>
+#include <QJsonDocument>
+#include <QRegularExpression>
+#include <QTest>
+
+#include <csignal>
+
+namespace Tolvar::Varundo::Test {
+
+namespace {
+
+constexpr int patienceMs = 20000;
+
+} // namespace
+
+SimulatorProcess::SimulatorProcess()
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.remove(QStringLiteral("QT_QPA_PLATFORM")); // it finds its own way without a display
+    environment.remove(QStringLiteral("DISPLAY"));
+    m_process.setProcessEnvironment(environment);
+    m_process.setProgram(QStringLiteral(VARUNDO_SIMULATOR));
+}
+
+SimulatorProcess::~SimulatorProcess()
+{
+    if (isRunning()) {
+        end(SIGTERM);
+    }
+}
+
+bool SimulatorProcess::start(const QStringList& further)
+{
+    m_process.setArguments(QStringList{QStringLiteral("--tcp-port"), QStringLiteral("0"),
+                                       QStringLiteral("--settings"), settingsFile(),
+                                       QStringLiteral("--snapshot"), pictureFile(), QStringLiteral("--state"),
+                                       stateFile()} +
+                           further);
+    m_process.start();
+    while (!m_process.canReadLine()) {
+        if (!m_process.waitForReadyRead(patienceMs)) {
+            return false;
+        }
+    }
+    m_readyLine = QString::fromUtf8(m_process.readLine());
+    return true;
+}
+
+void SimulatorProcess::run(const QStringList& arguments)
+{
+    m_process.setArguments(QStringList{QStringLiteral("--settings"), settingsFile()} + arguments);
+    m_process.start();
+    m_process.waitForFinished(patienceMs);
+}
+
+void SimulatorProcess::sendSignal(int number) const
+{
+    kill(static_cast<pid_t>(m_process.processId()), number);
+}
+
+int SimulatorProcess::end(int signalNumber)
+{
+    sendSignal(signalNumber);
+    m_process.waitForFinished(patienceMs);
+    return exitStatus();
+}
+
+int SimulatorProcess::port() const
+{
+    static const QRegularExpression door(QStringLiteral("^ready: tcp ([0-9]+)\n$"));
+    return door.match(m_readyLine).captured(1).toInt();
+}
+
+int SimulatorProcess::exitStatus() const
+{
+    const bool ended =
+        m_process.state() == QProcess::NotRunning && m_process.exitStatus() == QProcess::NormalExit;
+    return ended ? m_process.exitCode() : -1;
+}
+
+QString SimulatorProcess::errors()
+{
+    m_errors += QString::fromUtf8(m_process.readAllStandardError());
+    return m_errors;
+}
+
+QJsonObject SimulatorProcess::freshState()
+{
+    QFile::remove(stateFile());
+    QFile::remove(pictureFile());
+    sendSignal(SIGUSR1);
+    // The picture is written last.
+    const bool written = QTest::qWaitFor([this] { return QFile::exists(pictureFile()); }, patienceMs);
+    return written ? stateOnDisk() : QJsonObject();
+}
+
+QJsonObject SimulatorProcess::stateOnDisk() const
+{
+    QFile file(stateFile());
+    return file.open(QIODevice::ReadOnly) ? QJsonDocument::fromJson(file.readAll()).object() : QJsonObject();
+}
+
+} // namespace Tolvar::Varundo::Test

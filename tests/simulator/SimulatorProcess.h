@@ -1,0 +1,55 @@
+#ifndef TOLVAR_VARUNDO_TEST_SIMULATORPROCESS_H
+#define TOLVAR_VARUNDO_TEST_SIMULATORPROCESS_H
+
+#include <QByteArray>
+#include <QJsonObject>
+#include <QProcess>
+#include <QString>
+#include <QStringList>
+#include <QTcpSocket>
+#include <QTemporaryDir>
+
+#include <memory>
+
+namespace Tolvar::Varundo::Test {
+
+/// The program itself, as its users start it: with settings and output files of its own, on a free port.
+class SimulatorProcess
+{
+public:
+    SimulatorProcess();
+    ~SimulatorProcess();
+
+    /// Waits for the ready line; false if the program ended or was silent instead.
+    bool start(const QStringList& further = {});
+    /// Runs the program to its end with these arguments alone.
+    void run(const QStringList& arguments);
+    void sendSignal(int number) const;
+    /// Sends SIGTERM unless told otherwise, and waits; the exit status, or -1 after a crash.
+    int end(int signalNumber);
+
+    QString readyLine() const { return m_readyLine; }
+    int port() const;
+    int exitStatus() const;
+    QString errors(); ///< all so far
+    QString output() { return QString::fromUtf8(m_process.readAllStandardOutput()); }
+    bool isRunning() const { return m_process.state() == QProcess::Running; }
+
+    QString pictureFile() const { return m_dir.filePath(QStringLiteral("picture.png")); }
+    QString stateFile() const { return m_dir.filePath(QStringLiteral("state.json")); }
+    QString settingsFile() const { return m_dir.filePath(QStringLiteral("settings.json")); }
+
+    /// As the program wrote it on SIGUSR1 just now; empty if it did not.
+    QJsonObject freshState();
+    QJsonObject stateOnDisk() const;
+
+private:
+    QTemporaryDir m_dir;
+    QProcess m_process;
+    QString m_readyLine;
+    QString m_errors;
+};
+
+} // namespace Tolvar::Varundo::Test
+
+#endif
