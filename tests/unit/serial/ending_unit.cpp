@@ -1,5 +1,7 @@
 // ending_unit MODE SETTINGS-FILE: a host in little, which makes a Runner and ends in one of several ways.
 
+#include "ProcessFigures.h"
+
 #include <CApplicationSettings.h>
 #include <Mavril/VideoOverlay/CVideoOverlayManager.h>
 #include <Tolvar/Varundo/Runner.h>
@@ -12,6 +14,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
+#include <unistd.h>
 
 namespace {
 
@@ -28,11 +31,10 @@ int runFor(int milliseconds)
     return QCoreApplication::exec();
 }
 
-} // namespace
-
-int main(int argc, char** argv)
+/// A whole host: makes its parts, runs, and takes them down.
+int runAndEnd(int argc, char** argv)
 {
-    QGuiApplication application(argc, argv);
+    const QGuiApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
     if (arguments.size() != 3) {
         std::fprintf(stderr,
@@ -70,4 +72,21 @@ int main(int argc, char** argv)
         return QCoreApplication::exec();
     }
     return 2;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const int status = runAndEnd(argc, argv);
+    // The application object has gone, and with it, at the latest, the thread of a Runner that was left
+    // behind. The kernel takes it off its list a moment later.
+    for (int tries = 0; Tolvar::Varundo::Test::watcherThreadCount() > 0; ++tries) {
+        if (tries == 200) {
+            std::fprintf(stderr, "ending_unit: the watcher's thread is still there\n");
+            return 4;
+        }
+        usleep(1000);
+    }
+    return status;
 }
