@@ -65,6 +65,10 @@ const CommandInfo* writeCommand(ArgumentReader& arguments, const ElementName& el
                                 ElementName::verbList(element.verbs(Protocol::Write))));
         return nullptr;
     }
+    if (command->request == Client::PayloadKind::LineText && arguments.atEnd()) {
+        arguments.fail(
+            QStringLiteral("the text is missing")); // only the word 'text' alone means an empty one
+    }
     return command;
 }
 

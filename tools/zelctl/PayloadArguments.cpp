@@ -65,6 +65,17 @@ QByteArray encoded(ArgumentReader& arguments, const QString& text, Client::TextC
     return bytes.value_or(QByteArray());
 }
 
+/// A status line without a text is cleared. A script could not say so otherwise, since it has no way to write
+/// an empty word. Elsewhere, a missing text is a mistake.
+QByteArray lineText(ArgumentReader& arguments, const ElementName& element, Client::TextCodec codec)
+{
+    const bool isCleared = element.name() == QLatin1String("status-line") && arguments.atEnd();
+    const QString text = isCleared ? QString() : arguments.text(say("the text"));
+    // Of an empty text, UTF-16 would still send its byte order mark.
+    const QByteArray bytes = text.isEmpty() ? QByteArray() : encoded(arguments, text, codec);
+    return Build::lineText(static_cast<quint8>(element.index()), bytes);
+}
+
 QByteArray freeText(ArgumentReader& arguments, Client::TextCodec codec)
 {
     const quint8 duration = arguments.byte(say("the duration in seconds"));
@@ -158,8 +169,7 @@ QByteArray build(ArgumentReader& arguments, const CommandInfo& command, const El
     case PayloadKind::Text:
         return encoded(arguments, arguments.text(say("the text")), codec);
     case PayloadKind::LineText:
-        return Build::lineText(static_cast<quint8>(element.index()),
-                               encoded(arguments, arguments.text(say("the text")), codec));
+        return lineText(arguments, element, codec);
     case PayloadKind::Colors: {
         const auto [text, background] = colors(arguments);
         return Build::colors(text, background);
