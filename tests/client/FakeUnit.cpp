@@ -1,7 +1,5 @@
 #include "FakeUnit.h"
 
-#include <QTcpSocket>
-
 namespace Tolvar::Varundo::Tests {
 
 namespace {
@@ -10,14 +8,6 @@ constexpr quint8 StatusLineText = 0x90;
 constexpr int LastStatusLine = 4;
 
 } // namespace
-
-FakeUnit::FakeUnit()
-{
-    connect(&m_server, &QTcpServer::newConnection, this, &FakeUnit::accept);
-    if (!m_server.listen(QHostAddress::LocalHost)) {
-        qFatal("no free port: %s", qPrintable(m_server.errorString()));
-    }
-}
 
 void FakeUnit::behaveWell(const CommandMessage& frame)
 {
@@ -30,21 +20,6 @@ void FakeUnit::behaveWell(const CommandMessage& frame)
         say(answer(frame.cmdId, QByteArray(1, static_cast<char>(line))));
     } else if (m_answers.contains(frame.cmdId)) {
         say(answer(frame.cmdId, m_answers.value(frame.cmdId)));
-    }
-}
-
-void FakeUnit::say(const QByteArray& bytes)
-{
-    if (m_socket) {
-        m_socket->write(bytes);
-        m_socket->flush();
-    }
-}
-
-void FakeUnit::hangUp()
-{
-    if (m_socket) {
-        m_socket->disconnectFromHost();
     }
 }
 
@@ -64,21 +39,8 @@ void FakeUnit::frameAccepted(const CommandMessage& frame)
     }
 }
 
-void FakeUnit::accept()
+void FakeUnit::take(const QByteArray& bytes)
 {
-    m_socket = m_server.nextPendingConnection();
-    ++m_connections;
-    m_socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
-    connect(m_socket, &QTcpSocket::readyRead, this, &FakeUnit::read);
-    connect(m_socket, &QTcpSocket::disconnected, this, [this, socket = m_socket] {
-        m_socket = m_socket == socket ? nullptr : m_socket;
-        socket->deleteLater();
-    });
-}
-
-void FakeUnit::read()
-{
-    const QByteArray bytes = m_socket->readAll();
     m_received.append(bytes);
     m_decoder.decode(bytes.constData(), bytes.size(), *this);
 }

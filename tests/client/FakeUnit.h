@@ -7,30 +7,20 @@
 #include <QByteArray>
 #include <QHash>
 #include <QObject>
-#include <QTcpServer>
 #include <QVector>
 
 #include <functional>
 
-class QTcpSocket;
-
 namespace Tolvar::Varundo::Tests {
 
-/// The unit's end of a real TCP connection on a free port, as well-behaved or as broken as a test wants it.
-/// Unless told otherwise it acknowledges every frame and answers the reads that it has an answer for.
+/// The unit's end of a connection, as well-behaved or as broken as a test wants it. Unless told otherwise it
+/// acknowledges every frame and answers the reads that it has an answer for.
 class FakeUnit : public QObject
 {
     Q_OBJECT
 
 public:
     using Behaviour = std::function<void(const CommandMessage&)>;
-
-    FakeUnit();
-
-    [[nodiscard]] quint16 port() const { return m_server.serverPort(); }
-    [[nodiscard]] bool hasClient() const { return m_socket != nullptr; }
-
-    [[nodiscard]] int connections() const { return m_connections; }
 
     /// The payload with which a read is answered.
     void setAnswer(quint8 cmdId, const QByteArray& payload) { m_answers.insert(cmdId, payload); }
@@ -39,8 +29,8 @@ public:
     void setBehaviour(const Behaviour& behaviour) { m_behaviour = behaviour; }
 
     void behaveWell(const CommandMessage& frame);
-    void say(const QByteArray& bytes);
-    void hangUp();
+    virtual void say(const QByteArray& bytes) = 0;
+    virtual void hangUp() = 0;
 
     [[nodiscard]] const QVector<CommandMessage>& frames() const { return m_frames; }
     [[nodiscard]] const QByteArray& typed() const { return m_typed; }
@@ -57,17 +47,14 @@ public:
     static void byteDiscarded(quint8) {}
     [[nodiscard]] static bool wantsMore() { return true; }
 
-private:
-    void accept();
-    void read();
+protected:
+    void take(const QByteArray& bytes);
 
-    QTcpServer m_server;
-    QTcpSocket* m_socket = nullptr;
+private:
     FrameDecoder m_decoder;
     Behaviour m_behaviour;
     QHash<quint8, QByteArray> m_answers;
     QVector<CommandMessage> m_frames;
-    int m_connections = 0;
     QByteArray m_typed;
     QByteArray m_received;
 };

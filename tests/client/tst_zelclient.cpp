@@ -1,4 +1,4 @@
-#include "FakeUnit.h"
+#include "FakeTcpUnit.h"
 
 #include <Tolvar/Varundo/Client/CommandCatalog.h>
 #include <Tolvar/Varundo/Client/PayloadBuilder.h>
@@ -15,6 +15,7 @@
 
 using namespace Tolvar::Varundo;
 using namespace Tolvar::Varundo::Client;
+using Tolvar::Varundo::Tests::FakeTcpUnit;
 using Tolvar::Varundo::Tests::FakeUnit;
 using Outcome = Reply::Outcome;
 
@@ -114,14 +115,14 @@ private slots:
 private:
     void connectClient(int timeout);
 
-    std::unique_ptr<FakeUnit> m_unit;
+    std::unique_ptr<FakeTcpUnit> m_unit;
     std::unique_ptr<TcpLink> m_link;
     std::unique_ptr<ZelClient> m_client;
 };
 
 void tst_ZelClient::init()
 {
-    m_unit = std::make_unique<FakeUnit>();
+    m_unit = std::make_unique<FakeTcpUnit>();
     m_unit->setAnswer(0x30, PayloadBuilder::single(12.5F));
     m_unit->setAnswer(0x31, QByteArray::fromHex("00010A02"));
 }

@@ -1,4 +1,5 @@
-#include "FakeUnit.h"
+#include "FakeTcpUnit.h"
+#include "ZelctlRun.h"
 
 #include <Tolvar/Varundo/Client/CommandCatalog.h>
 #include <Tolvar/Varundo/Client/FrameMeaning.h>
@@ -18,21 +19,11 @@
 
 using namespace Tolvar::Varundo;
 using namespace Tolvar::Varundo::Client;
+using Tolvar::Varundo::Tests::FakeTcpUnit;
 using Tolvar::Varundo::Tests::FakeUnit;
+using Tolvar::Varundo::Tests::runZelctl;
+using Tolvar::Varundo::Tests::ZelctlRun;
 namespace Build = PayloadBuilder;
-
-namespace {
-
-constexpr int ProcessTimeout = 20000;
-
-struct Run
-{
-    int status = -1;
-    QString out;
-    QString err;
-};
-
-} // namespace
 
 /// The program as users meet it: a process, its output, its exit status, and what reaches the unit.
 class tst_Zelctl : public QObject
@@ -49,6 +40,8 @@ private slots:
     void everyMeaningIsACommandLineForItsFrame();
     void textGoesOutInTheUnitsCodec_data();
     void textGoesOutInTheUnitsCodec();
+    void emptyWordClearsAStatusLine();
+    void scriptClearsAStatusLine();
     void typedCharactersReachTheUnitUnframed();
     void mistakesAreUsageErrorsAndReachNoUnit_data();
     void mistakesAreUsageErrorsAndReachNoUnit();
@@ -80,15 +73,17 @@ private slots:
 
 private:
     QStringList connected(const QStringList& words) const;
-    static Run run(const QStringList& words, const QByteArray& input = QByteArray());
-    Run runLine(const QString& line) const { return run(connected(QProcess::splitCommand(line))); }
+    ZelctlRun runLine(const QString& line) const
+    {
+        return runZelctl(connected(QProcess::splitCommand(line)));
+    }
 
-    std::unique_ptr<FakeUnit> m_unit;
+    std::unique_ptr<FakeTcpUnit> m_unit;
 };
 
 void tst_Zelctl::init()
 {
-    m_unit = std::make_unique<FakeUnit>();
+    m_unit = std::make_unique<FakeTcpUnit>();
     m_unit->setAnswer(0x01, Build::codec(TextCodec::Utf8));
     m_unit->setAnswer(0x30, Build::single(12.5F));
     m_unit->setAnswer(0x31, QByteArray::fromHex("00010A02"));
@@ -106,22 +101,6 @@ void tst_Zelctl::init()
 QStringList tst_Zelctl::connected(const QStringList& words) const
 {
     return QStringList{QStringLiteral("--tcp"), QStringLiteral("127.0.0.1:%1").arg(m_unit->port())} + words;
-}
-
-Run tst_Zelctl::run(const QStringList& words, const QByteArray& input)
-{
-    QProcess process;
-    QSignalSpy finished(&process, qOverload<int, QProcess::ExitStatus>(&QProcess::finished));
-    process.start(QStringLiteral(ZELCTL_PROGRAM), words);
-    process.write(input);
-    process.closeWriteChannel();
-    if (finished.isEmpty() && !finished.wait(ProcessTimeout)) {
-        process.kill();
-        process.waitForFinished();
-        return {-1, QString(), QStringLiteral("did not end")};
-    }
-    return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
-            QString::fromUtf8(process.readAllStandardError())};
 }
 
 void tst_Zelctl::readPrintsPlainValues_data()
@@ -152,7 +131,7 @@ void tst_Zelctl::readPrintsPlainValues_data()
 void tst_Zelctl::readPrintsPlainValues()
 {
     QFETCH(QString, expected);
-    const Run result = runLine(QString::fromUtf8(QTest::currentDataTag()));
+    const ZelctlRun result = runLine(QString::fromUtf8(QTest::currentDataTag()));
     QCOMPARE(result.err, QString());
     QCOMPARE(result.out, expected);
     QCOMPARE(result.status, 0);
@@ -206,6 +185,10 @@ void tst_Zelctl::commandPutsItsFrameOnTheWire_data()
                                                        "001E004142004303");
     row("--codec latin9 write status-line-2 off", "0290020400"
                                                   "026F666603");
+    row("--codec latin9 write status-line-3 text", "0290020100"
+                                                   "0303");
+    row("--codec utf16 write status-line 3 text", "0290020100"
+                                                  "0303");
     row("--codec latin9 write status-line-2 text off", "0290020400"
                                                        "026F666603");
 }
@@ -213,7 +196,7 @@ void tst_Zelctl::commandPutsItsFrameOnTheWire_data()
 void tst_Zelctl::commandPutsItsFrameOnTheWire()
 {
     QFETCH(QByteArray, frame);
-    const Run result = runLine(QString::fromUtf8(QTest::currentDataTag()));
+    const ZelctlRun result = runLine(QString::fromUtf8(QTest::currentDataTag()));
     QCOMPARE(result.err, QString());
     QCOMPARE(result.status, 0);
     QCOMPARE(m_unit->received().toHex(), frame.toHex());
@@ -261,11 +244,11 @@ void tst_Zelctl::everyMeaningIsACommandLineForItsFrame()
         script.append(frameMeaning(message, Sender::Controller, TextCodec::Latin9));
         expected.append(encodeFrame(message));
     }
-    const Run result =
-        run(connected({QStringLiteral("--codec"), QStringLiteral("latin9"), QStringLiteral("--timeout"),
-                       QStringLiteral("30"), QStringLiteral("run"), QStringLiteral("--keep-going"),
-                       QStringLiteral("-")}),
-            script.join(QLatin1Char('\n')).toUtf8());
+    const ZelctlRun result =
+        runZelctl(connected({QStringLiteral("--codec"), QStringLiteral("latin9"), QStringLiteral("--timeout"),
+                             QStringLiteral("30"), QStringLiteral("run"), QStringLiteral("--keep-going"),
+                             QStringLiteral("-")}),
+                  script.join(QLatin1Char('\n')).toUtf8());
     QVERIFY2(!result.err.contains(QLatin1String("expected")) &&
                  !result.err.contains(QLatin1String("unknown element")),
              qPrintable(result.err));
@@ -300,16 +283,36 @@ void tst_Zelctl::textGoesOutInTheUnitsCodec()
     QFETCH(int, codec);
     QFETCH(QByteArray, payload);
     m_unit->setAnswer(0x01, Build::number(static_cast<quint8>(codec)));
-    const Run result = run(connected({QStringLiteral("text"), QStringLiteral("\u20AC")}));
+    const ZelctlRun result = runZelctl(connected({QStringLiteral("text"), QStringLiteral("\u20AC")}));
     QCOMPARE(result.status, 0);
     QCOMPARE(m_unit->frames().size(), 2);
     QCOMPARE(m_unit->frames().at(0).cmdId, quint8(0x01));
     QCOMPARE(m_unit->frames().at(1).data.toHex(), payload.toHex());
 }
 
+void tst_Zelctl::emptyWordClearsAStatusLine()
+{
+    const ZelctlRun result = runZelctl(connected(
+        {QStringLiteral("write"), QStringLiteral("status-line-3"), QStringLiteral("text"), QString()}));
+    QCOMPARE(result.err, QString());
+    QCOMPARE(result.status, 0);
+    QCOMPARE(m_unit->frames().last().data.toHex(), QByteArray("03"));
+}
+
+void tst_Zelctl::scriptClearsAStatusLine()
+{
+    const ZelctlRun result = runZelctl(connected({QStringLiteral("run"), QStringLiteral("-")}),
+                                       "write status-line-3 text\nwrite status-line-4 text \"\"\n");
+    QCOMPARE(result.err, QString());
+    QCOMPARE(result.status, 0);
+    QCOMPARE(m_unit->frames().size(), 3); // one asks for the codec
+    QCOMPARE(m_unit->frames().at(1).data.toHex(), QByteArray("03"));
+    QCOMPARE(m_unit->frames().at(2).data.toHex(), QByteArray("04"));
+}
+
 void tst_Zelctl::typedCharactersReachTheUnitUnframed()
 {
-    const Run result = run(connected({QStringLiteral("type"), QStringLiteral("caf\u00E9")}));
+    const ZelctlRun result = runZelctl(connected({QStringLiteral("type"), QStringLiteral("caf\u00E9")}));
     QCOMPARE(result.err, QString());
     QCOMPARE(result.status, 0);
     QCOMPARE(m_unit->typed(), QByteArray("caf\xE9"));
@@ -361,13 +364,16 @@ void tst_Zelctl::mistakesAreUsageErrorsAndReachNoUnit_data()
     row("--tcp :99999 read pan", "--tcp :99999: expected HOST or HOST:PORT");
     row("--tcp host:0 read pan", "--tcp host:0: expected HOST or HOST:PORT");
     row("--frobnicate read pan", "frobnicate");
-    row("--serial /dev/ttyUSB0 read pan", "serial lines are not built in yet");
+    row("--serial /dev/ttyUSB0 read pan", "--tcp and --serial exclude each other");
+    row("read pan --serial /dev/ttyUSB0", "--tcp and --serial exclude each other");
+    row("write status-line-3", "the text is missing");
+    row("write line-3 text", "the text is missing");
 }
 
 void tst_Zelctl::mistakesAreUsageErrorsAndReachNoUnit()
 {
     QFETCH(QString, said);
-    const Run result = runLine(QString::fromUtf8(QTest::currentDataTag()));
+    const ZelctlRun result = runLine(QString::fromUtf8(QTest::currentDataTag()));
     QVERIFY2(result.err.startsWith(QLatin1String("zelctl: ")) && result.err.contains(said),
              qPrintable(result.err));
     QCOMPARE(result.status, 2);
@@ -378,7 +384,7 @@ void tst_Zelctl::mistakesAreUsageErrorsAndReachNoUnit()
 void tst_Zelctl::rejectionEndsWithOne()
 {
     m_unit->setBehaviour([this](const CommandMessage&) { m_unit->say(FakeUnit::nack()); });
-    const Run result = runLine(QStringLiteral("show pan"));
+    const ZelctlRun result = runLine(QStringLiteral("show pan"));
     QCOMPARE(result.status, 1);
     QCOMPARE(result.err, QStringLiteral("zelctl: show pan: rejected by the unit (NACK)\n"));
 }
@@ -386,14 +392,14 @@ void tst_Zelctl::rejectionEndsWithOne()
 void tst_Zelctl::silenceEndsWithOne()
 {
     m_unit->setBehaviour([](const CommandMessage&) {});
-    const Run result = runLine(QStringLiteral("--timeout 100 show pan"));
+    const ZelctlRun result = runLine(QStringLiteral("--timeout 100 show pan"));
     QCOMPARE(result.status, 1);
     QVERIFY2(result.err.contains(QLatin1String("within 100 ms")), qPrintable(result.err));
 }
 
 void tst_Zelctl::missingAnswerIsExplained()
 {
-    const Run result = runLine(QStringLiteral("--timeout 100 read tilt"));
+    const ZelctlRun result = runLine(QStringLiteral("--timeout 100 read tilt"));
     QCOMPARE(result.status, 1);
     QVERIFY2(result.err.startsWith(
                  QLatin1String("zelctl: read tilt value: acknowledged, but no answer: the unit does "
@@ -405,7 +411,8 @@ void tst_Zelctl::refusedConnectionEndsWithThree()
 {
     const QString address = QStringLiteral("127.0.0.1:%1").arg(m_unit->port());
     m_unit.reset();
-    const Run result = run({QStringLiteral("--tcp"), address, QStringLiteral("read"), QStringLiteral("pan")});
+    const ZelctlRun result =
+        runZelctl({QStringLiteral("--tcp"), address, QStringLiteral("read"), QStringLiteral("pan")});
     QCOMPARE(result.status, 3);
     QCOMPARE(result.err, QStringLiteral("zelctl: cannot connect to %1: Connection refused\n").arg(address));
 }
@@ -413,7 +420,7 @@ void tst_Zelctl::refusedConnectionEndsWithThree()
 void tst_Zelctl::lostConnectionEndsWithThree()
 {
     m_unit->setBehaviour([this](const CommandMessage&) { m_unit->hangUp(); });
-    const Run result = runLine(QStringLiteral("read pan"));
+    const ZelctlRun result = runLine(QStringLiteral("read pan"));
     QCOMPARE(result.status, 3);
     QCOMPARE(result.err, QStringLiteral("zelctl: connection to 127.0.0.1:%1 lost: The remote host closed the "
                                         "connection\n")
@@ -422,7 +429,7 @@ void tst_Zelctl::lostConnectionEndsWithThree()
 
 void tst_Zelctl::jsonIsOneObjectALine()
 {
-    const Run result = runLine(QStringLiteral("--json read meter-counter-1 state"));
+    const ZelctlRun result = runLine(QStringLiteral("--json read meter-counter-1 state"));
     QCOMPARE(result.status, 0);
     QCOMPARE(result.out.count(QLatin1Char('\n')), 1);
     const QJsonObject object = QJsonDocument::fromJson(result.out.toUtf8()).object();
@@ -441,7 +448,7 @@ void tst_Zelctl::jsonIsOneObjectALine()
 void tst_Zelctl::jsonTellsFailuresToo()
 {
     m_unit->setBehaviour([this](const CommandMessage&) { m_unit->say(FakeUnit::nack()); });
-    const Run result = runLine(QStringLiteral("--json show pan"));
+    const ZelctlRun result = runLine(QStringLiteral("--json show pan"));
     QCOMPARE(result.status, 1);
     const QJsonObject object = QJsonDocument::fromJson(result.out.toUtf8()).object();
     QCOMPARE(object.value(QLatin1String("outcome")).toString(), QStringLiteral("rejected"));
@@ -451,7 +458,7 @@ void tst_Zelctl::jsonTellsFailuresToo()
 
 void tst_Zelctl::verboseShowsFramesBothWays()
 {
-    const Run result = runLine(QStringLiteral("-v read meter-counter-1"));
+    const ZelctlRun result = runLine(QStringLiteral("-v read meter-counter-1"));
     QCOMPARE(result.status, 0);
     QCOMPARE(result.out, QStringLiteral("12.5\n"));
     QCOMPARE(result.err,
@@ -462,7 +469,7 @@ void tst_Zelctl::verboseShowsFramesBothWays()
 
 void tst_Zelctl::rawPrintsWhatComesBack()
 {
-    const Run result = runLine(QStringLiteral("raw 0230 01:00,00 0x03 023000000003"));
+    const ZelctlRun result = runLine(QStringLiteral("raw 0230 01:00,00 0x03 023000000003"));
     QCOMPARE(result.err, QString());
     QCOMPARE(result.status, 0);
     QCOMPARE(result.out, QStringLiteral("06  ACK\n"
@@ -472,7 +479,7 @@ void tst_Zelctl::rawPrintsWhatComesBack()
 
 void tst_Zelctl::rawBytesThatAreNoFrameAreListenedFor()
 {
-    const Run rejected = runLine(QStringLiteral("--timeout 100 raw 02 01 03 41"));
+    const ZelctlRun rejected = runLine(QStringLiteral("--timeout 100 raw 02 01 03 41"));
     QCOMPARE(rejected.out, QStringLiteral("15  NACK\n"));
     QCOMPARE(rejected.status, 1);
     QCOMPARE(rejected.err, QStringLiteral("zelctl: not acknowledged within 100 ms\n"));
@@ -503,7 +510,7 @@ void tst_Zelctl::decodeNeedsNoUnit()
 {
     QFETCH(QString, expected);
     QFETCH(int, status);
-    const Run result = runLine(QString::fromUtf8(QTest::currentDataTag()));
+    const ZelctlRun result = runLine(QString::fromUtf8(QTest::currentDataTag()));
     QCOMPARE(result.err, QString());
     QCOMPARE(result.out, expected);
     QCOMPARE(result.status, status);
@@ -512,8 +519,9 @@ void tst_Zelctl::decodeNeedsNoUnit()
 
 void tst_Zelctl::decodeReadsStandardInput()
 {
-    const Run result = run({QStringLiteral("--json"), QStringLiteral("decode"), QStringLiteral("-")},
-                           "02 32 02 02\n00 0A 02 03\n");
+    const ZelctlRun result =
+        runZelctl({QStringLiteral("--json"), QStringLiteral("decode"), QStringLiteral("-")},
+                  "02 32 02 02\n00 0A 02 03\n");
     QCOMPARE(result.status, 0);
     const QJsonObject object = QJsonDocument::fromJson(result.out.toUtf8()).object();
     QCOMPARE(object.value(QLatin1String("meaning")).toString(),
@@ -530,7 +538,7 @@ void tst_Zelctl::scriptRunsOnOneConnection()
     script.write("# moves things\n\nshow pan\n  write pan position 1 2\nwrite status-line-1 text \"a  "
                  "b\"\nread meter-counter-1\n");
     script.close();
-    const Run result = run(connected({QStringLiteral("run"), script.fileName()}));
+    const ZelctlRun result = runZelctl(connected({QStringLiteral("run"), script.fileName()}));
     QCOMPARE(result.err, QString());
     QCOMPARE(result.status, 0);
     QCOMPARE(result.out, QStringLiteral("12.5\n"));
@@ -542,8 +550,8 @@ void tst_Zelctl::scriptRunsOnOneConnection()
 
 void tst_Zelctl::scriptStopsAtTheFirstFailureAndNamesTheLine()
 {
-    const Run result =
-        run(connected({QStringLiteral("run"), QStringLiteral("-")}), "show pan\nshow nothing\nhide pan\n");
+    const ZelctlRun result = runZelctl(connected({QStringLiteral("run"), QStringLiteral("-")}),
+                                       "show pan\nshow nothing\nhide pan\n");
     QCOMPARE(result.status, 2);
     QVERIFY2(
         result.err.startsWith(QLatin1String("zelctl: standard input:2: show: unknown element 'nothing'")),
@@ -553,10 +561,10 @@ void tst_Zelctl::scriptStopsAtTheFirstFailureAndNamesTheLine()
 
 void tst_Zelctl::scriptKeepsGoingWhenTold()
 {
-    const Run result =
-        run(connected({QStringLiteral("--timeout"), QStringLiteral("100"), QStringLiteral("run"),
-                       QStringLiteral("--keep-going"), QStringLiteral("-")}),
-            "read tilt\nrun -\nread meter-counter-1\n");
+    const ZelctlRun result =
+        runZelctl(connected({QStringLiteral("--timeout"), QStringLiteral("100"), QStringLiteral("run"),
+                             QStringLiteral("--keep-going"), QStringLiteral("-")}),
+                  "read tilt\nrun -\nread meter-counter-1\n");
     QCOMPARE(result.status, 1); // of the first failure
     QCOMPARE(result.out, QStringLiteral("12.5\n"));
     QVERIFY2(result.err.contains(QLatin1String("standard input:1: read tilt value: acknowledged")),
@@ -567,8 +575,8 @@ void tst_Zelctl::scriptKeepsGoingWhenTold()
 
 void tst_Zelctl::scriptRemembersTheCodecItHasSet()
 {
-    const Run result = run(connected({QStringLiteral("run"), QStringLiteral("-")}),
-                           QByteArray("write text-codec latin9\ntext \xE2\x82\xAC\n"));
+    const ZelctlRun result = runZelctl(connected({QStringLiteral("run"), QStringLiteral("-")}),
+                                       QByteArray("write text-codec latin9\ntext \xE2\x82\xAC\n"));
     QCOMPARE(result.err, QString());
     QCOMPARE(m_unit->frames().size(), 2); // nobody had to ask
     QCOMPARE(m_unit->frames().at(1).data, QByteArray("\xA4"));
@@ -604,24 +612,24 @@ void tst_Zelctl::resyncBringsTheUnitBack()
         otherController.disconnectFromHost();
         QTRY_VERIFY(!m_unit->hasClient());
     }
-    const Run resync = runLine(QStringLiteral("--timeout 300 resync"));
+    const ZelctlRun resync = runLine(QStringLiteral("--timeout 300 resync"));
     QCOMPARE(resync.err, QString());
     QCOMPARE(resync.status, 0);
-    const Run read = runLine(QStringLiteral("--timeout 300 read meter-counter-1"));
+    const ZelctlRun read = runLine(QStringLiteral("--timeout 300 read meter-counter-1"));
     QCOMPARE(read.out, QStringLiteral("12.5\n"));
 }
 
 void tst_Zelctl::resyncOfASilentUnitEndsWithOne()
 {
     m_unit->setBehaviour([](const CommandMessage&) {});
-    const Run resync = runLine(QStringLiteral("--timeout 50 resync"));
+    const ZelctlRun resync = runLine(QStringLiteral("--timeout 50 resync"));
     QCOMPARE(resync.status, 1);
     QVERIFY2(resync.err.startsWith(QLatin1String("zelctl: resync: no reply")), qPrintable(resync.err));
 }
 
 void tst_Zelctl::watchReadsSoManyTimes()
 {
-    const Run result = runLine(QStringLiteral("watch meter-counter-1 pan --count 2 --interval 1"));
+    const ZelctlRun result = runLine(QStringLiteral("watch meter-counter-1 pan --count 2 --interval 1"));
     QCOMPARE(result.err, QString());
     QCOMPARE(result.status, 0);
     QCOMPARE(result.out, QStringLiteral("meter-counter-1 12.5\npan -0.1\nmeter-counter-1 12.5\npan -0.1\n"));
@@ -635,16 +643,16 @@ void tst_Zelctl::watchEndsOnInterrupt()
                   connected({QStringLiteral("watch"), QStringLiteral("meter-counter-1"),
                              QStringLiteral("--interval"), QStringLiteral("60000")}));
     QByteArray out;
-    QTRY_VERIFY_WITH_TIMEOUT((out += process.readAllStandardOutput()).contains('\n'), ProcessTimeout);
+    QTRY_VERIFY_WITH_TIMEOUT((out += process.readAllStandardOutput()).contains('\n'), ZelctlRun::Timeout);
     QCOMPARE(::kill(static_cast<pid_t>(process.processId()), SIGINT), 0);
-    QTRY_COMPARE_WITH_TIMEOUT(finished.count(), 1, ProcessTimeout);
+    QTRY_COMPARE_WITH_TIMEOUT(finished.count(), 1, ZelctlRun::Timeout);
     QCOMPARE(process.exitStatus(), QProcess::NormalExit);
     QCOMPARE(process.exitCode(), 0);
 }
 
 void tst_Zelctl::listShowsTheWholeCatalogue()
 {
-    const Run result = run({QStringLiteral("--json"), QStringLiteral("list")});
+    const ZelctlRun result = runZelctl({QStringLiteral("--json"), QStringLiteral("list")});
     QCOMPARE(result.status, 0);
     const QStringList lines = result.out.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
     QCOMPARE(lines.size(), static_cast<int>(allCommands().size()));
@@ -655,28 +663,29 @@ void tst_Zelctl::listShowsTheWholeCatalogue()
         QCOMPARE(object.value(QLatin1String("group")).toString(), QString(groupName(info.group)));
         QCOMPARE(object.value(QLatin1String("element")).toString(), QString::fromLatin1(info.element));
     }
-    QVERIFY(run({QStringLiteral("list"), QStringLiteral("elements")})
+    QVERIFY(runZelctl({QStringLiteral("list"), QStringLiteral("elements")})
                 .out.contains(QLatin1String("\nwrite status-line-N text TEXT\n")));
-    QVERIFY(run({QStringLiteral("list"), QStringLiteral("colours")})
+    QVERIFY(runZelctl({QStringLiteral("list"), QStringLiteral("colours")})
                 .out.contains(QLatin1String("13 blue         #FF0000FF\n")));
 }
 
 void tst_Zelctl::optionsMayFollowTheCommand()
 {
-    const Run result = run({QStringLiteral("read"), QStringLiteral("meter-counter-1"),
-                            QStringLiteral("--tcp"), QStringLiteral("127.0.0.1:%1").arg(m_unit->port())});
+    const ZelctlRun result =
+        runZelctl({QStringLiteral("read"), QStringLiteral("meter-counter-1"), QStringLiteral("--tcp"),
+                   QStringLiteral("127.0.0.1:%1").arg(m_unit->port())});
     QCOMPARE(result.out, QStringLiteral("12.5\n"));
 }
 
 void tst_Zelctl::helpAndVersionEndWithZero()
 {
-    const Run help = run({QStringLiteral("--help")});
+    const ZelctlRun help = runZelctl({QStringLiteral("--help")});
     QCOMPARE(help.status, 0);
     QVERIFY(help.out.contains(QLatin1String("read ELEMENT [value|state]")));
-    QVERIFY(!help.out.contains(QLatin1String("--serial")));
-    QVERIFY(
-        run({QStringLiteral("watch"), QStringLiteral("--help")}).out.contains(QLatin1String("--interval")));
-    QVERIFY(run({QStringLiteral("--version")}).out.startsWith(QLatin1String("zelctl 1.")));
+    QVERIFY(help.out.contains(QLatin1String("--serial <DEVICE[:BAUD]>")));
+    QVERIFY(runZelctl({QStringLiteral("watch"), QStringLiteral("--help")})
+                .out.contains(QLatin1String("--interval")));
+    QVERIFY(runZelctl({QStringLiteral("--version")}).out.startsWith(QLatin1String("zelctl 1.")));
 }
 
 QTEST_GUILESS_MAIN(tst_Zelctl)

@@ -1,7 +1,7 @@
 #include "Options.h"
 
-#include <QCommandLineOption>
 #include <QCommandLineParser>
+#include <QFileInfo>
 #include <QHostAddress>
 #include <QUrl>
 
@@ -13,6 +13,10 @@ void Options::declare(QCommandLineParser& parser)
         {QStringLiteral("tcp"),
          QStringLiteral("Where the unit listens; default 127.0.0.1:%1.").arg(Protocol::DefaultTcpPort),
          QStringLiteral("HOST[:PORT]")});
+    parser.addOption({QStringLiteral("serial"),
+                      QStringLiteral("Talk over a serial line instead, 8N1; default %1 baud.")
+                          .arg(Protocol::DefaultBaudrate),
+                      QStringLiteral("DEVICE[:BAUD]")});
     parser.addOption({QStringLiteral("timeout"),
                       QStringLiteral("How long to wait for a connection and for each reply; default %1.")
                           .arg(DefaultTimeout),
@@ -24,16 +28,10 @@ void Options::declare(QCommandLineParser& parser)
     parser.addOption({QStringLiteral("json"), QStringLiteral("Print one JSON object a line.")});
     parser.addOption({{QStringLiteral("v"), QStringLiteral("verbose")},
                       QStringLiteral("Show every frame on standard error, with its meaning.")});
-    QCommandLineOption serial(QStringLiteral("serial"), QString(), QStringLiteral("DEVICE[:BAUD]"));
-    serial.setFlags(QCommandLineOption::HiddenFromHelp);
-    parser.addOption(serial);
 }
 
 QString Options::take(const QCommandLineParser& parser)
 {
-    if (parser.isSet(QStringLiteral("serial"))) {
-        return QStringLiteral("--serial: serial lines are not built in yet; use --tcp");
-    }
     json = json || parser.isSet(QStringLiteral("json"));
     verbose = verbose || parser.isSet(QStringLiteral("verbose"));
     if (parser.isSet(QStringLiteral("timeout"))) {
@@ -51,7 +49,23 @@ QString Options::take(const QCommandLineParser& parser)
             return QStringLiteral("--codec %1: expected latin9, utf8 or utf16").arg(text);
         }
     }
-    return parser.isSet(QStringLiteral("tcp")) ? takeAddress(parser.value(QStringLiteral("tcp"))) : QString();
+    return takePlace(parser);
+}
+
+QString Options::takePlace(const QCommandLineParser& parser)
+{
+    QString error;
+    if (parser.isSet(QStringLiteral("tcp"))) {
+        m_hasAddress = true;
+        error = takeAddress(parser.value(QStringLiteral("tcp")));
+    }
+    if (error.isEmpty() && parser.isSet(QStringLiteral("serial"))) {
+        error = takeSerialLine(parser.value(QStringLiteral("serial")));
+    }
+    if (error.isEmpty() && m_hasAddress && !serialDevice.isEmpty()) {
+        error = QStringLiteral("--tcp and --serial exclude each other");
+    }
+    return error;
 }
 
 QString Options::takeAddress(const QString& address)
@@ -69,6 +83,29 @@ QString Options::takeAddress(const QString& address)
     }
     host = url.host();
     port = static_cast<quint16>(urlPort);
+    return QString();
+}
+
+QString Options::takeSerialLine(const QString& line)
+{
+    // The names in /dev/serial/by-path have colons of their own.
+    const int colon = QFileInfo::exists(line) ? -1 : line.lastIndexOf(QLatin1Char(':'));
+    serialDevice = line.left(colon);
+    if (serialDevice.isEmpty()) {
+        return QStringLiteral("--serial %1: expected DEVICE or DEVICE:BAUD").arg(line);
+    }
+    if (colon < 0) {
+        return QString();
+    }
+    const QString rate = line.mid(colon + 1);
+    bool isNumber = false;
+    baudrate = rate.toInt(&isNumber);
+    if (!isNumber || baudrate < MinBaudrate || baudrate > MaxBaudrate) {
+        return QStringLiteral("--serial %1: there is no such device, and '%2' is no baud rate from %3 to %4")
+            .arg(line, rate)
+            .arg(MinBaudrate)
+            .arg(MaxBaudrate);
+    }
     return QString();
 }
 

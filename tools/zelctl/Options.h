@@ -17,9 +17,13 @@ struct Options
 {
     static constexpr int DefaultTimeout = 2000; ///< milliseconds
     static constexpr int MaxTimeout = 600000;
+    static constexpr int MinBaudrate = 50;
+    static constexpr int MaxBaudrate = 4000000;
 
     QString host = QStringLiteral("127.0.0.1");
     quint16 port = Protocol::DefaultTcpPort;
+    QString serialDevice; ///< empty: over TCP
+    int baudrate = Protocol::DefaultBaudrate;
     int timeout = DefaultTimeout;
     bool json = false;
     bool verbose = false;
@@ -31,7 +35,11 @@ struct Options
     [[nodiscard]] QString take(const QCommandLineParser& parser);
 
 private:
+    [[nodiscard]] QString takePlace(const QCommandLineParser& parser);
     [[nodiscard]] QString takeAddress(const QString& address);
+    [[nodiscard]] QString takeSerialLine(const QString& line);
+
+    bool m_hasAddress = false; // options may stand in front of the command and behind it
 };
 
 } // namespace Tolvar::Varundo::Zelctl

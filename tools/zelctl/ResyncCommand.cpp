@@ -19,6 +19,15 @@ constexpr int FillerSize = Protocol::MaxPayloadSize + Protocol::FrameOverhead + 
 constexpr int Attempts = 4;
 constexpr int QuietTime = 200; // milliseconds
 
+/// A serial line takes its time for so many bytes: more than a minute at the default rate.
+void waitForTransmission(Zelctl& zelctl, int byteCount)
+{
+    QEventLoop loop;
+    QObject::connect(&zelctl.unit(), &Unit::connectionLost, &loop, &QEventLoop::quit);
+    QTimer::singleShot(zelctl.unit().transmissionTime(byteCount), &loop, &QEventLoop::quit);
+    loop.exec();
+}
+
 /// Until the unit has said nothing for a while: only what begins a read of its own can end a held frame.
 void waitForQuiet(Zelctl& zelctl)
 {
@@ -55,6 +64,7 @@ ExitStatus resynchronise(Zelctl& zelctl, const CommandCall& call)
     // attempt.
     for (int attempt = 1; attempt < Attempts && result.exitStatus() == Refused; ++attempt) {
         if (zelctl.unit().writeUnframed(QByteArray(FillerSize, Filler))) {
+            waitForTransmission(zelctl, FillerSize);
             waitForQuiet(zelctl);
         }
         result = endFrame(zelctl);

@@ -25,8 +25,11 @@ Unit::Unit(const Options& options, Printer& printer)
 Unit::~Unit()
 {
     m_client.reset();
-    if (m_link) {
-        m_link->close(CloseTimeout);
+    if (m_tcp) {
+        m_tcp->close(CloseTimeout);
+    }
+    if (m_serial) {
+        m_serial->close(CloseTimeout);
     }
 }
 
@@ -76,6 +79,11 @@ bool Unit::writeUnframed(const QByteArray& bytes)
     return m_client->writeUnframed(bytes);
 }
 
+int Unit::transmissionTime(int byteCount) const
+{
+    return m_serial ? m_serial->transmissionTime(byteCount) : 0;
+}
+
 std::optional<Client::TextCodec> Unit::textCodec(Result* failure)
 {
     if (m_options.codec) {
@@ -95,27 +103,51 @@ std::optional<Client::TextCodec> Unit::textCodec(Result* failure)
     return m_codec;
 }
 
+/// Only once: a unit that could not be reached, or was lost, stays so until the program ends.
 bool Unit::connectOnce()
 {
-    if (!m_link) {
-        m_link = std::make_unique<Client::TcpLink>(m_options.host, m_options.port);
-        if (!m_link->openAndWait(m_options.timeout)) {
-            m_errorText = m_link->errorText();
-            return false;
-        }
-        m_client = std::make_unique<Client::ZelClient>(m_link->device(), m_link->peerName());
-        m_client->setTimeout(m_options.timeout);
-        connect(m_client.get(), &Client::ZelClient::received, this, &Unit::received);
-        connect(m_client.get(), &Client::ZelClient::connectionLost, this, [this](const QString& errorText) {
-            m_errorText = errorText;
-            emit connectionLost();
-        });
-        if (m_options.verbose) {
-            connect(m_client.get(), &Client::ZelClient::sent, this, &Unit::traceSent);
-            connect(m_client.get(), &Client::ZelClient::received, this, &Unit::traceReceived);
-        }
+    if (!m_tcp && !m_serial) {
+        return m_options.serialDevice.isEmpty() ? openTcp() : openSerial();
     }
     return isConnected();
+}
+
+bool Unit::openTcp()
+{
+    m_tcp = std::make_unique<Client::TcpLink>(m_options.host, m_options.port);
+    if (!m_tcp->openAndWait(m_options.timeout)) {
+        m_errorText = m_tcp->errorText();
+        return false;
+    }
+    adoptClient(m_tcp->device(), m_tcp->peerName());
+    return isConnected();
+}
+
+bool Unit::openSerial()
+{
+    m_serial = std::make_unique<Client::SerialLink>(m_options.serialDevice, m_options.baudrate);
+    if (!m_serial->open()) {
+        m_errorText = m_serial->errorText();
+        return false;
+    }
+    adoptClient(m_serial->device(), m_serial->peerName());
+    connect(m_serial.get(), &Client::SerialLink::lost, m_client.get(), &Client::ZelClient::fail);
+    return isConnected();
+}
+
+void Unit::adoptClient(QIODevice* device, const QString& peerName)
+{
+    m_client = std::make_unique<Client::ZelClient>(device, peerName);
+    m_client->setTimeout(m_options.timeout);
+    connect(m_client.get(), &Client::ZelClient::received, this, &Unit::received);
+    connect(m_client.get(), &Client::ZelClient::connectionLost, this, [this](const QString& errorText) {
+        m_errorText = errorText;
+        emit connectionLost();
+    });
+    if (m_options.verbose) {
+        connect(m_client.get(), &Client::ZelClient::sent, this, &Unit::traceSent);
+        connect(m_client.get(), &Client::ZelClient::received, this, &Unit::traceReceived);
+    }
 }
 
 Unit::Result Unit::waitFor(Reply* reply)

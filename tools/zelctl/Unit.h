@@ -5,6 +5,7 @@
 #include "Options.h"
 
 #include <Tolvar/Varundo/Client/Reply.h>
+#include <Tolvar/Varundo/Client/SerialLink.h>
 #include <Tolvar/Varundo/Client/TcpLink.h>
 #include <Tolvar/Varundo/Client/ZelClient.h>
 #include <Tolvar/Varundo/CommandMessage.h>
@@ -47,6 +48,9 @@ public:
     /// Bytes past the requests; false with the reason in errorText().
     [[nodiscard]] bool writeUnframed(const QByteArray& bytes);
 
+    /// How long the way to the unit is busy with so many bytes, in milliseconds; 0 if that is no matter.
+    [[nodiscard]] int transmissionTime(int byteCount) const;
+
     /// The codec of the unit's text, from the command line or asked for once.
     [[nodiscard]] std::optional<Client::TextCodec> textCodec(Result* failure);
 
@@ -62,6 +66,9 @@ signals:
 
 private:
     bool connectOnce();
+    bool openTcp();
+    bool openSerial();
+    void adoptClient(QIODevice* device, const QString& peerName);
     Result waitFor(Client::Reply* reply);
     void learn(const CommandMessage& command, const Result& result);
     void traceSent(const QByteArray& bytes) const;
@@ -69,8 +76,9 @@ private:
 
     const Options& m_options;
     Printer& m_printer;
-    std::unique_ptr<Client::TcpLink> m_link;
-    std::unique_ptr<Client::ZelClient> m_client; // after the link, whose socket it uses
+    std::unique_ptr<Client::TcpLink> m_tcp;       // the one or the other
+    std::unique_ptr<Client::SerialLink> m_serial; //
+    std::unique_ptr<Client::ZelClient> m_client;  // after the links, whose device it uses
     std::optional<Client::TextCodec> m_codec;
     QString m_errorText;
 };
