@@ -46,11 +46,12 @@ struct FrameCounters
 /// of the read that it happens in.
 ///
 /// A Sink receives the outcomes, in wire order, from within decode():
-///   void frameAccepted(const CommandMessage&)  acknowledge, then act; the decoder is ready for re-use by
-///   then void frameRejected()                       send a NACK; called at most once per read void
-///   printableByte(quint8)                 a byte 0x20 to 0xFF outside a frame void byteDiscarded(quint8) a
-///   control byte outside a frame; no reply bool wantsMore()                           asked after each
-///   frame; false makes decode() return early
+/// - `void frameAccepted(const CommandMessage&)`: acknowledge, then act; the decoder is ready for re-use by
+/// then.
+/// - `void frameRejected()`: send a NACK; called at most once per read.
+/// - `void printableByte(quint8)`: a byte 0x20 to 0xFF outside a frame.
+/// - `void byteDiscarded(quint8)`: a control byte outside a frame; no reply.
+/// - `bool wantsMore()`: asked after each frame; false makes decode() return early.
 class FrameDecoder
 {
 public:
