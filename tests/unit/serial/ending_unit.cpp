@@ -27,7 +27,7 @@ public:
 /// Turns the event loop for a while; less than a look's interval unless it is told otherwise.
 int runFor(int milliseconds)
 {
-    QTimer::singleShot(milliseconds, qApp, &QCoreApplication::quit);
+    QTimer::singleShot(milliseconds, QCoreApplication::instance(), &QCoreApplication::quit);
     return QCoreApplication::exec();
 }
 
@@ -62,7 +62,7 @@ int runAndEnd(int argc, char** argv)
     }
     if (mode == QLatin1String("exit") || mode == QLatin1String("exit-at-a-look")) {
         const int delay = mode == QLatin1String("exit") ? 0 : Tolvar::Varundo::Runner::CleanUpIntervalMs * 5;
-        QTimer::singleShot(delay, Qt::PreciseTimer, qApp, [] { std::exit(0); });
+        QTimer::singleShot(delay, Qt::PreciseTimer, QCoreApplication::instance(), [] { std::exit(0); });
         QCoreApplication::exec();
         return 3; // not reached
     }

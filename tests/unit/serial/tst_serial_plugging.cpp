@@ -140,7 +140,7 @@ void TestSerialPlugging::everythingIsToldInTheHostsThread()
     bool elsewhere = false;
     const auto note = [&] {
         ++told;
-        elsewhere = elsewhere || QThread::currentThread() != qApp->thread();
+        elsewhere = elsewhere || QThread::currentThread() != QCoreApplication::instance()->thread();
     };
     connect(&adaptor, &SerialAdaptor::receivedValidMessage, &adaptor, note, Qt::DirectConnection);
     connect(&adaptor, &SerialAdaptor::printableCharReceived, &adaptor, note, Qt::DirectConnection);
