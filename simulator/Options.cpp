@@ -119,7 +119,8 @@ void describe(QCommandLineParser& parser)
 {
     parser.setApplicationDescription(
         QStringLiteral("A whole unit in one process: controllers connect to it as to a real one.\n"
-                       "Runs until it is interrupted. SIGUSR1 writes the snapshot and the state."));
+                       "Runs until it is interrupted. SIGUSR1 writes the snapshot and the state, SIGUSR2 "
+                       "unplugs the virtual serial adapter and plugs it in again."));
     parser.addOptions({
         {{QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Prints this.")},
         {{QStringLiteral("v"), QStringLiteral("version")}, QStringLiteral("Prints the version.")},
@@ -130,6 +131,10 @@ void describe(QCommandLineParser& parser)
         option("settings", "FILE", "Where settings are kept. Default: the user's own."),
         option("profile", "FILE",
                "The overlay's elements, in JSON. Default: a built-in one with all of them."),
+        option("devices", "FILE", "How the devices move, in JSON. Default: they stand still."),
+        {QStringLiteral("virtual-serial"),
+         QStringLiteral("Provides a serial line: /dev/ttyUSB1 for the unit, and the controller's end that "
+                        "the ready line names.")},
         option("size", "WxH", "The picture's size. Default: 720x576."),
         option("seed-clock", "TIME", "Where the drawn clock starts (ISO 8601). Default: now."),
         option("snapshot", "FILE", "Where the picture is written to, in PNG, on SIGUSR1 and at the end."),
@@ -162,6 +167,8 @@ std::optional<Options> Options::read(const QStringList& arguments, QString* erro
     }
     options.settingsFile = parser.value(QStringLiteral("settings"));
     options.profileFile = parser.value(QStringLiteral("profile"));
+    options.devicesFile = parser.value(QStringLiteral("devices"));
+    options.virtualSerial = parser.isSet(QStringLiteral("virtual-serial"));
     Reader reader(parser);
     if (!reader.readInterface(options.interface) || !reader.readPort(options.tcpPort) ||
         !reader.readSize(options.pictureSize) || !reader.readClock(options.clock) ||

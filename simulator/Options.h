@@ -23,6 +23,8 @@ struct Options
     int tcpPort = Protocol::DefaultTcpPort; ///< 0: any that is free
     QString settingsFile;                   ///< empty: the program's own
     QString profileFile;                    ///< empty: the built-in one
+    QString devicesFile;                    ///< empty: the devices stand still
+    bool virtualSerial = false;
     QSize pictureSize{720, 576};
     QDateTime clock;     ///< invalid: the machine's time
     QString pictureFile; ///< empty: none is written

@@ -1,6 +1,7 @@
 #include "StateReport.h"
 
 #include "SimulatedUnit.h"
+#include "VirtualSerialLine.h"
 
 #include <Mavril/VideoOverlay/CVideoOverlayManager.h>
 #include <Mavril/VideoOverlay/CVideoOverlayText.h>
@@ -84,8 +85,9 @@ QJsonValue toldJson(const std::optional<Moment>& told)
 
 } // namespace
 
-StateReport::StateReport(const SimulatedUnit& unit)
+StateReport::StateReport(const SimulatedUnit& unit, const VirtualSerialLine* serialLine)
     : m_unit(unit)
+    , m_serialLine(serialLine)
 {}
 
 QJsonObject StateReport::toJson() const
@@ -93,7 +95,7 @@ QJsonObject StateReport::toJson() const
     return {{QStringLiteral("interface"), interfaceJson(m_unit.runner().interface())},
             {QStringLiteral("tcpPort"), m_unit.runner().zelTcpPort()},
             {QStringLiteral("baudrate"), m_unit.runner().baudrate()},
-            {QStringLiteral("serial"), QJsonValue::Null},
+            {QStringLiteral("serial"), serial()},
             {QStringLiteral("overlayVisible"), m_unit.controlBackend().overlayVisible()},
             {QStringLiteral("elements"), elements()},
             {QStringLiteral("devices"), devices()},
@@ -167,6 +169,16 @@ QJsonObject StateReport::clock() const
     return {{QStringLiteral("dateTime"), toldJson(clock.toldDateTime())},
             {QStringLiteral("time"), toldJson(clock.toldTime())},
             {QStringLiteral("drawn"), clock.now().toString(Qt::ISODate)}};
+}
+
+QJsonValue StateReport::serial() const
+{
+    if (!m_serialLine) {
+        return QJsonValue::Null;
+    }
+    return QJsonObject{{QStringLiteral("device"), VirtualSerialLine::device()},
+                       {QStringLiteral("controller"), m_serialLine->controller()},
+                       {QStringLiteral("plugged"), m_serialLine->isPlugged()}};
 }
 
 } // namespace Tolvar::Varundo::Simulator

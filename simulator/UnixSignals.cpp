@@ -17,6 +17,13 @@ sigset_t handledSignals()
     sigaddset(&handled, SIGINT);
     sigaddset(&handled, SIGTERM);
     sigaddset(&handled, SIGUSR1);
+    sigaddset(&handled, SIGUSR2);
+    // Whoever was told to survive its terminal shall; blocked, the signal would come all the same.
+    struct sigaction hangUp
+    {};
+    if (sigaction(SIGHUP, nullptr, &hangUp) == 0 && hangUp.sa_handler != SIG_IGN) {
+        sigaddset(&handled, SIGHUP);
+    }
     return handled;
 }
 
@@ -48,6 +55,8 @@ void UnixSignals::readPending()
     while (read(m_descriptor, &info, sizeof info) == static_cast<ssize_t>(sizeof info)) {
         if (info.ssi_signo == SIGUSR1) {
             emit snapshotRequested();
+        } else if (info.ssi_signo == SIGUSR2) {
+            emit plugRequested();
         } else {
             emit endRequested();
         }

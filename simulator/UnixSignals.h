@@ -18,8 +18,9 @@ public:
     ~UnixSignals() override;
 
 signals:
-    void endRequested();      ///< SIGINT or SIGTERM
+    void endRequested();      ///< SIGINT or SIGTERM, or the terminal was closed
     void snapshotRequested(); ///< SIGUSR1
+    void plugRequested();     ///< SIGUSR2: in if it is out, out if it is in
 
 private:
     void readPending();

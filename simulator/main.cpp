@@ -1,3 +1,5 @@
+#include "DeviceMover.h"
+#include "DeviceScript.h"
 #include "FrameRenderer.h"
 #include "Options.h"
 #include "SimulatedUnit.h"
@@ -6,6 +8,7 @@
 #include "TcpDoor.h"
 #include "TextGrid.h"
 #include "UnixSignals.h"
+#include "VirtualSerialLine.h"
 
 #include <CApplicationSettings.h>
 
@@ -13,6 +16,8 @@
 #include <QGuiApplication>
 
 #include <cstdio>
+#include <memory>
+#include <optional>
 
 using namespace Tolvar::Varundo::Simulator;
 
@@ -32,27 +37,59 @@ void say(const QString& line)
     std::fflush(stdout); // whoever started us waits for it
 }
 
-int run(const QGuiApplication& application, const Options& options)
+/// What may fail before there is a unit.
+struct Extras
 {
-    if (!options.settingsFile.isEmpty()) {
-        CApplicationSettings::instance()->setFileName(options.settingsFile);
+    std::optional<DeviceScript> script;
+    std::unique_ptr<VirtualSerialLine> serialLine;
+
+    bool prepare(const Options& options, QString* error)
+    {
+        if (!options.devicesFile.isEmpty()) {
+            script = DeviceScript::readFile(options.devicesFile, error);
+            if (!script) {
+                return false;
+            }
+        }
+        if (options.virtualSerial) {
+            serialLine = std::make_unique<VirtualSerialLine>();
+            return serialLine->plug(error);
+        }
+        return true;
     }
-    const int port = options.tcpPort == 0 ? TcpDoor::freePort() : options.tcpPort;
-    SimulatedUnit unit({options.interface, port, options.clock, options.profileFile});
-    if (!TcpDoor::isOpen(port)) {
-        return failed(
-            QStringLiteral("cannot listen on TCP port %1: %2").arg(port).arg(TcpDoor::whyClosed(port)));
-    }
+};
+
+void togglePlug(VirtualSerialLine* line)
+{
     QString error;
-    if (!unit.start(&error)) {
-        return failed(error);
+    if (!line) {
+        failed(QStringLiteral("SIGUSR2: there is no serial line; it takes --virtual-serial"));
+    } else if (line->isPlugged()) {
+        line->unplug();
+    } else if (!line->plug(&error)) {
+        failed(error);
     }
+}
+
+QString readyLine(int port, const VirtualSerialLine* line)
+{
+    QString doors = QStringLiteral("tcp %1").arg(port);
+    if (line) {
+        doors += QStringLiteral(", serial %1 <- %2").arg(VirtualSerialLine::device(), line->controller());
+    }
+    return QStringLiteral("ready: %1\n").arg(doors);
+}
+
+int serve(SimulatedUnit& unit, Extras& extras, const Options& options)
+{
     const FrameRenderer renderer(unit, options.pictureSize);
-    const StateReport state(unit);
+    const StateReport state(unit, extras.serialLine.get());
     const SnapshotWriter snapshot(renderer, state, options.pictureFile, options.stateFile);
 
     const UnixSignals unixSignals;
-    QObject::connect(&unixSignals, &UnixSignals::endRequested, &application, &QGuiApplication::quit);
+    QObject::connect(&unixSignals, &UnixSignals::endRequested, qApp, &QGuiApplication::quit);
+    QObject::connect(&unixSignals, &UnixSignals::plugRequested, &unit,
+                     [&extras] { togglePlug(extras.serialLine.get()); });
     QObject::connect(&unixSignals, &UnixSignals::snapshotRequested, &unit, [&snapshot] {
         QString reason;
         if (!snapshot.write(&reason)) {
@@ -60,9 +97,34 @@ int run(const QGuiApplication& application, const Options& options)
         }
     });
 
-    say(QStringLiteral("ready: tcp %1\n").arg(port));
+    say(readyLine(unit.runner().zelTcpPort(), extras.serialLine.get()));
+    std::optional<DeviceMover> mover;
+    if (extras.script) {
+        mover.emplace(*extras.script, unit.devices());
+        mover->start();
+    }
     const int status = QGuiApplication::exec();
+    QString error;
     return snapshot.write(&error) ? status : failed(error);
+}
+
+int run(const Options& options)
+{
+    if (!options.settingsFile.isEmpty()) {
+        CApplicationSettings::instance()->setFileName(options.settingsFile);
+    }
+    QString error;
+    Extras extras;
+    if (!extras.prepare(options, &error)) {
+        return failed(error);
+    }
+    const int port = options.tcpPort == 0 ? TcpDoor::freePort() : options.tcpPort;
+    SimulatedUnit unit({options.interface, port, options.clock, options.profileFile});
+    if (!TcpDoor::isOpen(port)) {
+        return failed(
+            QStringLiteral("cannot listen on TCP port %1: %2").arg(port).arg(TcpDoor::whyClosed(port)));
+    }
+    return unit.start(&error) ? serve(unit, extras, options) : failed(error);
 }
 
 } // namespace
@@ -93,5 +155,5 @@ int main(int argc, char** argv)
     }
     // What the library measures texts in is what they are drawn in.
     QGuiApplication::setFont(TextGrid(options->pictureSize).font());
-    return run(application, *options);
+    return run(*options);
 }

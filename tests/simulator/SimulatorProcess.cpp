@@ -20,6 +20,7 @@ SimulatorProcess::SimulatorProcess()
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.remove(QStringLiteral("QT_QPA_PLATFORM")); // it finds its own way without a display
     environment.remove(QStringLiteral("DISPLAY"));
+    environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), m_dir.path()); // else Qt complains
     m_process.setProcessEnvironment(environment);
     m_process.setProgram(QStringLiteral(VARUNDO_SIMULATOR));
 }
@@ -69,8 +70,21 @@ int SimulatorProcess::end(int signalNumber)
 
 int SimulatorProcess::port() const
 {
-    static const QRegularExpression door(QStringLiteral("^ready: tcp ([0-9]+)\n$"));
+    static const QRegularExpression door(QStringLiteral("^ready: tcp ([0-9]+)(, serial .*)?\n$"));
     return door.match(m_readyLine).captured(1).toInt();
+}
+
+QString SimulatorProcess::controllerDevice() const
+{
+    static const QRegularExpression door(QStringLiteral(", serial /dev/ttyUSB1 <- (/dev/pts/[0-9]+)\n$"));
+    return door.match(m_readyLine).captured(1);
+}
+
+QString SimulatorProcess::write(const QString& name, const QByteArray& content) const
+{
+    QFile file(m_dir.filePath(name));
+    const bool written = file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
+    return written ? file.fileName() : QString();
 }
 
 int SimulatorProcess::exitStatus() const

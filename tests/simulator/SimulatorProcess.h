@@ -6,7 +6,6 @@
 #include <QProcess>
 #include <QString>
 #include <QStringList>
-#include <QTcpSocket>
 #include <QTemporaryDir>
 
 #include <memory>
@@ -30,6 +29,7 @@ public:
 
     QString readyLine() const { return m_readyLine; }
     int port() const;
+    QString controllerDevice() const; ///< the controller's end of the serial line; empty without one
     int exitStatus() const;
     QString errors(); ///< all so far
     QString output() { return QString::fromUtf8(m_process.readAllStandardOutput()); }
@@ -37,6 +37,8 @@ public:
 
     QString pictureFile() const { return m_dir.filePath(QStringLiteral("picture.png")); }
     QString stateFile() const { return m_dir.filePath(QStringLiteral("state.json")); }
+    /// A file for the program to read; empty if it cannot be written.
+    QString write(const QString& name, const QByteArray& content) const;
     QString settingsFile() const { return m_dir.filePath(QStringLiteral("settings.json")); }
 
     /// As the program wrote it on SIGUSR1 just now; empty if it did not.

@@ -1,0 +1,35 @@
+#ifndef TOLVAR_VARUNDO_SIMULATOR_DEVICENODE_H
+#define TOLVAR_VARUNDO_SIMULATOR_DEVICENODE_H
+
+#include <QByteArray>
+#include <QString>
+
+namespace Tolvar::Varundo::Simulator {
+
+/// A device under a second name, as long as this lives. What stands under that name already is never touched.
+/// Owned by the VirtualSerialLine.
+class DeviceNode
+{
+public:
+    DeviceNode(const QString& node, const QString& device);
+    ~DeviceNode();
+    Q_DISABLE_COPY_MOVE(DeviceNode)
+
+    bool isMade() const { return m_kind != Kind::None; }
+    QString error() const { return m_error; } ///< why it is not there, and what helps
+
+private:
+    enum class Kind { None, Mount, Link };
+
+    bool makeMount();
+    bool makeLink();
+
+    QByteArray m_node;
+    QByteArray m_device;
+    Kind m_kind = Kind::None;
+    QString m_error;
+};
+
+} // namespace Tolvar::Varundo::Simulator
+
+#endif
