@@ -58,7 +58,11 @@ TcpServer::TcpServer(QObject* parent)
     , m_reader(std::make_unique<Reader>(*this))
     , m_listeningPort(Protocol::DefaultTcpPort)
 {
-    connect(m_server, &QTcpServer::newConnection, this, &TcpServer::newConnection);
+    // Taken one at a time and after the signal, so that QTcpServer never looks for a connection when nobody
+    // waits. After such a look it cannot tell that from an error any more: when the descriptors ran out it
+    // would neither report it nor stop, and keep the processor busy.
+    m_server->setMaxPendingConnections(1);
+    connect(m_server, &QTcpServer::newConnection, this, &TcpServer::newConnection, Qt::QueuedConnection);
     connect(m_server, &QTcpServer::acceptError, this, &TcpServer::onAcceptError);
     listen();
 }
@@ -84,7 +88,6 @@ void TcpServer::newConnection()
         return;
     }
     m_acceptFailed = false;
-    m_acceptedSinceError = true;
     if (m_client) {
         retire(m_client);
     }
@@ -179,16 +182,13 @@ void TcpServer::onDisconnected(QTcpSocket* socket)
 }
 
 /// The server stops accepting after an error, such as too many open files, and nobody but us starts it again.
-/// Once there was an error it also reports that one again each time it has accepted all who wait; such a
-/// report is no news.
 void TcpServer::onAcceptError()
 {
-    const bool isOldNews = std::exchange(m_acceptedSinceError, false);
-    if (!isOldNews && !std::exchange(m_acceptFailed, true)) {
+    if (!std::exchange(m_acceptFailed, true)) {
         qCWarning(transportLog, "cannot accept a connection: %s; trying again every %d ms",
                   qPrintable(m_server->errorString()), AcceptRetryMs);
     }
-    QTimer::singleShot(isOldNews ? 0 : AcceptRetryMs, m_server, [this] {
+    QTimer::singleShot(AcceptRetryMs, m_server, [this] {
         if (m_server->isListening()) {
             m_server->resumeAccepting();
         }

@@ -32,9 +32,11 @@ public:
                          });
         QObject::connect(m_server.get(), &TcpServer::printableCharReceived,
                          [this](char byte) { m_typed.append(byte); });
-        // Connected after the server's own connection: a client that is counted is being served.
+        // Queued behind the server's own connection: a client that is counted is being served.
         if (const auto* listener = m_server->findChild<QTcpServer*>()) {
-            QObject::connect(listener, &QTcpServer::newConnection, [this] { ++m_connections; });
+            QObject::connect(
+                listener, &QTcpServer::newConnection, listener, [this] { ++m_connections; },
+                Qt::QueuedConnection);
         }
     }
 

@@ -78,8 +78,7 @@ private:
     QPointer<QTcpSocket> m_client;
     QVector<QTcpSocket*> m_olderClients; // oldest first
     std::unique_ptr<Reader> m_reader;
-    bool m_acceptFailed = false;       // and was told; until the next connection
-    bool m_acceptedSinceError = false; // so that the next error may be an old one told again
+    bool m_acceptFailed = false; // and was told; until the next connection
     int m_listeningPort;
 };
 
