@@ -205,7 +205,7 @@ void FrameDecoder::closeFrame(Sink& sink)
         return;
     }
     // Dropped without a reply, and the record stays as it is: its payload counts towards the next frame.
-    if (m_cmdId == 0 || m_grpId == Protocol::NoGroup || m_payload.size() != announcedLength()) {
+    if (m_cmdId == 0 || m_grpId == Protocol::NoGroup) {
         ++m_counters.dropped;
         return;
     }

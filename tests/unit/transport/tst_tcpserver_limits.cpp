@@ -63,6 +63,8 @@ private slots:
     void afterRunningOutOfDescriptorsTheServerAcceptsAgain_data();
     void afterRunningOutOfDescriptorsTheServerAcceptsAgain();
     void afterThatEveryClientIsTakenOnAtOnceAndWithoutAWarning();
+    void longShortageIsToldOnce();
+    void portThatIsTakenDuringAShortageIsSurvived();
 };
 
 void TestTcpServerLimits::init()
@@ -193,6 +195,38 @@ void TestTcpServerLimits::afterThatEveryClientIsTakenOnAtOnceAndWithoutAWarning(
         QVERIFY2(elapsed.elapsed() < TcpServer::AcceptRetryMs / 2, "the server was deaf for a while");
     }
     QCOMPARE(CaughtWarnings::texts(), QStringList());
+}
+
+void TestTcpServerLimits::longShortageIsToldOnce()
+{
+    ObservedTcpServer server;
+    const CaughtWarnings warnings;
+    WireClient waiting;
+    {
+        const NoFreeDescriptors shortage;
+        QTest::qWait(5 * TcpServer::AcceptRetryMs / 2); // two more tries at least
+        QCOMPARE(server.connections(), 0);
+    }
+    QCOMPARE(CaughtWarnings::texts().size(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(server.connections(), 1, 5 * TcpServer::AcceptRetryMs);
+}
+
+void TestTcpServerLimits::portThatIsTakenDuringAShortageIsSurvived()
+{
+    ObservedTcpServer server;
+    QTcpServer occupier;
+    QVERIFY(occupier.listen());
+    const CaughtWarnings warnings;
+    WireClient waiting;
+    {
+        const NoFreeDescriptors shortage;
+        QTRY_COMPARE(CaughtWarnings::texts().size(), 1);
+    }
+    server->setListeningPort(occupier.serverPort());
+    QTest::qWait(3 * TcpServer::AcceptRetryMs / 2); // the try that was planned finds nobody listening
+    QCOMPARE(CaughtWarnings::texts().size(), 2);
+    server->setListeningPort(Protocol::DefaultTcpPort);
+    QVERIFY(server.connectClient());
 }
 
 QTEST_GUILESS_MAIN(TestTcpServerLimits)
