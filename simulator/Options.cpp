@@ -1,9 +1,10 @@
 #include "Options.h"
 
+#include "UnitControl.h"
+
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QFileInfo>
-#include <QMetaEnum>
 #include <QRegularExpression>
 #include <QSaveFile>
 
@@ -29,12 +30,7 @@ public:
     bool readInterface(std::optional<Runner::SelectedInterface>& interface)
     {
         return read("interface", QStringLiteral("Serial, Tcp or Udp"), [&interface](const QString& text) {
-            const auto interfaces = QMetaEnum::fromType<Runner::SelectedInterface>();
-            for (int i = 0; i < interfaces.keyCount(); ++i) {
-                if (text == QLatin1String(interfaces.key(i))) {
-                    interface = static_cast<Runner::SelectedInterface>(interfaces.value(i));
-                }
-            }
+            interface = UnitControl::interfaceNamed(text);
             return interface.has_value();
         });
     }
@@ -135,6 +131,8 @@ void describe(QCommandLineParser& parser)
         {QStringLiteral("virtual-serial"),
          QStringLiteral("Provides a serial line: /dev/ttyUSB1 for the unit, and the controller's end that "
                         "the ready line names.")},
+        {QStringLiteral("control"),
+         QStringLiteral("Takes commands from the standard input, one a line, while it runs.")},
         option("size", "WxH", "The picture's size. Default: 720x576."),
         option("seed-clock", "TIME", "Where the drawn clock starts (ISO 8601). Default: now."),
         option("snapshot", "FILE", "Where the picture is written to, in PNG, on SIGUSR1 and at the end."),
@@ -168,6 +166,7 @@ std::optional<Options> Options::read(const QStringList& arguments, QString* erro
     options.settingsFile = parser.value(QStringLiteral("settings"));
     options.profileFile = parser.value(QStringLiteral("profile"));
     options.devicesFile = parser.value(QStringLiteral("devices"));
+    options.takesCommands = parser.isSet(QStringLiteral("control"));
     options.virtualSerial = parser.isSet(QStringLiteral("virtual-serial"));
     Reader reader(parser);
     if (!reader.readInterface(options.interface) || !reader.readPort(options.tcpPort) ||

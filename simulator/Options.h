@@ -25,6 +25,7 @@ struct Options
     QString profileFile;                    ///< empty: the built-in one
     QString devicesFile;                    ///< empty: the devices stand still
     bool virtualSerial = false;
+    bool takesCommands = false; ///< on the standard input
     QSize pictureSize{720, 576};
     QDateTime clock;     ///< invalid: the machine's time
     QString pictureFile; ///< empty: none is written

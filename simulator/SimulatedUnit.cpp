@@ -65,8 +65,12 @@ SimulatedUnit::SimulatedUnit(const Configuration& configuration, QObject* parent
 
 bool SimulatedUnit::start(QString* error)
 {
-    return m_overlay.loadProfile(m_profile.isEmpty() ? QStringLiteral(":/profiles/default.json") : m_profile,
-                                 error);
+    return loadProfile(m_profile, error);
+}
+
+bool SimulatedUnit::loadProfile(const QString& file, QString* error)
+{
+    return m_overlay.loadProfile(file.isEmpty() ? QStringLiteral(":/profiles/default.json") : file, error);
 }
 
 void SimulatedUnit::followCounters()

@@ -44,6 +44,8 @@ public:
 
     /// Loads the profile. When that fails, error says what is wrong with it, and the unit is no use.
     bool start(QString* error);
+    /// Another one, or the built-in one for an empty text. A bad one changes nothing.
+    bool loadProfile(const QString& file, QString* error);
 
     const Runner& runner() const { return m_runner; }
     Runner& runner() { return m_runner; }

@@ -1,3 +1,4 @@
+#include "CommandDoor.h"
 #include "DeviceMover.h"
 #include "DeviceScript.h"
 #include "FrameRenderer.h"
@@ -7,6 +8,7 @@
 #include "StateReport.h"
 #include "TcpDoor.h"
 #include "TextGrid.h"
+#include "UnitControl.h"
 #include "UnixSignals.h"
 #include "VirtualSerialLine.h"
 
@@ -18,6 +20,8 @@
 #include <cstdio>
 #include <memory>
 #include <optional>
+
+#include <unistd.h>
 
 using namespace Tolvar::Varundo::Simulator;
 
@@ -59,18 +63,6 @@ struct Extras
     }
 };
 
-void togglePlug(VirtualSerialLine* line)
-{
-    QString error;
-    if (!line) {
-        failed(QStringLiteral("SIGUSR2: there is no serial line; it takes --virtual-serial"));
-    } else if (line->isPlugged()) {
-        line->unplug();
-    } else if (!line->plug(&error)) {
-        failed(error);
-    }
-}
-
 QString readyLine(int port, const VirtualSerialLine* line)
 {
     QString doors = QStringLiteral("tcp %1").arg(port);
@@ -88,14 +80,24 @@ int serve(SimulatedUnit& unit, Extras& extras, const Options& options)
 
     const UnixSignals unixSignals;
     QObject::connect(&unixSignals, &UnixSignals::endRequested, qApp, &QGuiApplication::quit);
-    QObject::connect(&unixSignals, &UnixSignals::plugRequested, &unit,
-                     [&extras] { togglePlug(extras.serialLine.get()); });
+    UnitControl control(unit, extras.serialLine.get());
+    QObject::connect(&unixSignals, &UnixSignals::plugRequested, &unit, [&control] {
+        QString reason;
+        if (!control.togglePlug(&reason)) {
+            failed(QStringLiteral("SIGUSR2: ") + reason);
+        }
+    });
     QObject::connect(&unixSignals, &UnixSignals::snapshotRequested, &unit, [&snapshot] {
         QString reason;
         if (!snapshot.write(&reason)) {
             failed(reason);
         }
     });
+    std::optional<CommandDoor> commandDoor;
+    if (options.takesCommands) {
+        commandDoor.emplace(
+            STDIN_FILENO, control, [&snapshot](QString* reason) { return snapshot.write(reason); }, say);
+    }
 
     say(readyLine(unit.runner().zelTcpPort(), extras.serialLine.get()));
     std::optional<DeviceMover> mover;

@@ -61,6 +61,24 @@ void SimulatorProcess::sendSignal(int number) const
     kill(static_cast<pid_t>(m_process.processId()), number);
 }
 
+QString SimulatorProcess::command(const QByteArray& line)
+{
+    m_process.write(line + '\n');
+    while (!m_process.canReadLine()) {
+        if (!m_process.waitForReadyRead(patienceMs)) {
+            return {};
+        }
+    }
+    return QString::fromUtf8(m_process.readLine()).chopped(1);
+}
+
+void SimulatorProcess::closeInput(const QByteArray& lastWords)
+{
+    m_process.write(lastWords);
+    m_process.waitForBytesWritten(patienceMs);
+    m_process.closeWriteChannel();
+}
+
 int SimulatorProcess::end(int signalNumber)
 {
     sendSignal(signalNumber);

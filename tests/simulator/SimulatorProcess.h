@@ -24,6 +24,9 @@ public:
     /// Runs the program to its end with these arguments alone.
     void run(const QStringList& arguments);
     void sendSignal(int number) const;
+    /// One line to the program's standard input, under --control; its answer without the line's end.
+    QString command(const QByteArray& line);
+    void closeInput(const QByteArray& lastWords);
     /// Sends SIGTERM unless told otherwise, and waits; the exit status, or -1 after a crash.
     int end(int signalNumber);
 

@@ -113,6 +113,13 @@ private slots:
     void readAnswersComeFromTheDevices();
     void unselectedInterfaceIsAcknowledgedAndIgnored();
     void pictureHasTheSizeAskedFor();
+    void commandsOnTheInputAreAnswered_data();
+    void commandsOnTheInputAreAnswered();
+    void commandsOnTheInputAreCarriedOut();
+    void linesWithoutCommandGetNoAnswer();
+    void oversizedLineIsRefusedAsAWhole();
+    void endOfTheInputEndsTheCommandsAlone();
+    void inputIsNotReadUnlessAskedFor();
 };
 
 void tst_SimulatorProgram::readyLineNamesThePort()
@@ -340,6 +347,97 @@ void tst_SimulatorProgram::pictureHasTheSizeAskedFor()
     QVERIFY2(simulator.start({QStringLiteral("--size=1280x720")}), qPrintable(simulator.errors()));
     QVERIFY(!simulator.freshState().isEmpty());
     QCOMPARE(QImage(simulator.pictureFile()).size(), QSize(1280, 720));
+}
+
+void tst_SimulatorProgram::commandsOnTheInputAreAnswered_data()
+{
+    QTest::addColumn<QByteArray>("line");
+    QTest::addColumn<QString>("answer");
+    const auto row = [](const char* line, const char* answer) {
+        QTest::newRow(line) << QByteArray(line) << QString::fromUtf8(answer);
+    };
+    row("interface Udp", "ok");
+    row("  interface   Tcp ", "ok");
+    row("interface Foo", "error: interface: expected Serial, Tcp or Udp, got \"Foo\"");
+    row("interface SelectedInterface::Tcp",
+        "error: interface: expected Serial, Tcp or Udp, got \"SelectedInterface::Tcp\"");
+    row("profile", "ok");
+    row("profile /nowhere.json", "error: /nowhere.json: cannot be read: No such file or directory");
+    row(R"(devices {"camera": {"pan": 5}})", "ok");
+    row(R"(devices {"camera": {"pan": 5.5}})",
+        "error: camera.pan: expected an integer from -32768 to 32767, got 5.5");
+    row("devices [1]", "error: devices: expected an object in JSON: no error occurred");
+    row("devices {", "error: devices: expected an object in JSON: unterminated object");
+    row("plug", "error: there is no serial line; it takes --virtual-serial");
+    row("snapshot", "ok");
+    row("snapshot now", "error: unknown command \"snapshot now\"");
+    row("jump",
+        "error: unknown command \"jump\"; known are interface, profile, devices, plug, unplug, snapshot");
+}
+
+void tst_SimulatorProgram::commandsOnTheInputAreAnswered()
+{
+    QFETCH(QByteArray, line);
+    QFETCH(QString, answer);
+    SimulatorProcess simulator;
+    QVERIFY2(simulator.start({QStringLiteral("--control")}), qPrintable(simulator.errors()));
+    QCOMPARE(simulator.command(line), answer);
+}
+
+void tst_SimulatorProgram::commandsOnTheInputAreCarriedOut()
+{
+    SimulatorProcess simulator;
+    QVERIFY2(simulator.start({QStringLiteral("--control")}), qPrintable(simulator.errors()));
+    const QString profile = simulator.write(
+        QStringLiteral("one.json"), R"({"elements": [{"kind": "static", "id": 1, "text": "alone"}]})");
+    QCOMPARE(simulator.command("profile " + profile.toUtf8()), QStringLiteral("ok"));
+    QCOMPARE(simulator.command(R"(devices {"reel": {"section": 3.5}})"), QStringLiteral("ok"));
+    QCOMPARE(simulator.command("interface Udp"), QStringLiteral("ok"));
+    QVERIFY(!QFile::exists(simulator.stateFile()));
+    QCOMPARE(simulator.command("snapshot"), QStringLiteral("ok"));
+    const QJsonObject state = simulator.stateOnDisk();
+    QCOMPARE(state.value(QStringLiteral("interface")), QJsonValue(QStringLiteral("Udp")));
+    QCOMPARE(state.value(QStringLiteral("elements")).toArray().size(), 1);
+    QCOMPARE(textOf(state, "1"), QStringLiteral("alone"));
+    const QJsonObject reel =
+        state.value(QStringLiteral("devices")).toObject().value(QStringLiteral("reel")).toObject();
+    QCOMPARE(reel.value(QStringLiteral("section")), QJsonValue(3.5));
+}
+
+void tst_SimulatorProgram::linesWithoutCommandGetNoAnswer()
+{
+    SimulatorProcess simulator;
+    QVERIFY2(simulator.start({QStringLiteral("--control")}), qPrintable(simulator.errors()));
+    QCOMPARE(simulator.command("\n   \n# remark\njump\r"),
+             QStringLiteral("error: unknown command \"jump\"; known are interface, profile, devices, plug, "
+                            "unplug, snapshot"));
+}
+
+void tst_SimulatorProgram::oversizedLineIsRefusedAsAWhole()
+{
+    SimulatorProcess simulator;
+    QVERIFY2(simulator.start({QStringLiteral("--control")}), qPrintable(simulator.errors()));
+    QCOMPARE(simulator.command("profile " + QByteArray(70000, 'x')),
+             QStringLiteral("error: a line of more than 65536 bytes"));
+    QCOMPARE(simulator.command("profile"), QStringLiteral("ok"));
+}
+
+void tst_SimulatorProgram::endOfTheInputEndsTheCommandsAlone()
+{
+    SimulatorProcess simulator;
+    QVERIFY2(simulator.start({QStringLiteral("--control")}), qPrintable(simulator.errors()));
+    simulator.closeInput("interface Udp"); // the last line needs no end
+    QTRY_COMPARE(simulator.freshState().value(QStringLiteral("interface")),
+                 QJsonValue(QStringLiteral("Udp")));
+    QCOMPARE(simulator.end(SIGTERM), 0);
+}
+
+void tst_SimulatorProgram::inputIsNotReadUnlessAskedFor()
+{
+    SimulatorProcess simulator;
+    QVERIFY2(simulator.start(), qPrintable(simulator.errors()));
+    simulator.closeInput("interface Udp\n");
+    QCOMPARE(simulator.freshState().value(QStringLiteral("interface")), QJsonValue(QStringLiteral("Tcp")));
 }
 
 QTEST_GUILESS_MAIN(tst_SimulatorProgram)
