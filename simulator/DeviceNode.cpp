@@ -3,72 +3,36 @@
 #include <QFile>
 
 #include <cerrno>
-#include <fcntl.h>
-#include <sys/mount.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace Tolvar::Varundo::Simulator {
 
-/// A mount is the better node, since it is a device to whoever looks; where mounts are not permitted a link
-/// has to do.
 DeviceNode::DeviceNode(const QString& node, const QString& device)
     : m_node(QFile::encodeName(node))
     , m_device(QFile::encodeName(device))
+    , m_isMade(symlink(m_device.constData(), m_node.constData()) == 0)
 {
-    if (makeMount() || (errno != EEXIST && makeLink())) {
+    if (m_isMade) {
         return;
     }
     const int reason = errno;
     m_error = reason == EEXIST
                   ? QStringLiteral("%1 exists already and is left alone; take the adapter out, or if a "
-                                   "simulator that was killed has left it: umount %1; rm %1")
+                                   "simulator that was killed has left it: rm %1")
                         .arg(node)
                   : QStringLiteral("cannot make %1: %2; run as root, or in a /dev of your own under "
                                    "\"unshare -rm\" as docs/simulator.md shows")
                         .arg(node, qt_error_string(reason));
 }
 
+/// Somebody may have put something else there by now.
 DeviceNode::~DeviceNode()
 {
-    struct stat left
-    {};
-    if (m_kind == Kind::Mount) {
-        umount2(m_node.constData(), MNT_DETACH);
-        // Only the empty file that was mounted upon: somebody may have put something else there by now.
-        if (lstat(m_node.constData(), &left) == 0 && S_ISREG(left.st_mode) && left.st_size == 0) {
-            unlink(m_node.constData());
-        }
-    } else if (m_kind == Kind::Link &&
-               QFile::encodeName(QFile::symLinkTarget(QFile::decodeName(m_node))) == m_device) {
+    char target[256];
+    const ssize_t length = m_isMade ? readlink(m_node.constData(), target, sizeof target) : -1;
+    if (length >= 0 && QByteArray(target, static_cast<int>(length)) == m_device) {
         unlink(m_node.constData());
     }
-}
-
-bool DeviceNode::makeMount()
-{
-    const int file = open(m_node.constData(), O_CREAT | O_EXCL | O_WRONLY | O_NOFOLLOW | O_CLOEXEC, 0600);
-    if (file < 0) {
-        return false;
-    }
-    close(file);
-    if (mount(m_device.constData(), m_node.constData(), nullptr, MS_BIND, nullptr) != 0) {
-        const int reason = errno;
-        unlink(m_node.constData());
-        errno = reason;
-        return false;
-    }
-    m_kind = Kind::Mount;
-    return true;
-}
-
-bool DeviceNode::makeLink()
-{
-    if (symlink(m_device.constData(), m_node.constData()) != 0) {
-        return false;
-    }
-    m_kind = Kind::Link;
-    return true;
 }
 
 } // namespace Tolvar::Varundo::Simulator

@@ -8,6 +8,9 @@ namespace Tolvar::Varundo::Simulator {
 
 /// A device under a second name, as long as this lives. What stands under that name already is never touched.
 /// Owned by the VirtualSerialLine.
+///
+/// A link, since it is there and gone in one step. A mount is made and removed in two, and whoever looks in
+/// between sees an adapter of another kind.
 class DeviceNode
 {
 public:
@@ -15,18 +18,13 @@ public:
     ~DeviceNode();
     Q_DISABLE_COPY_MOVE(DeviceNode)
 
-    bool isMade() const { return m_kind != Kind::None; }
+    bool isMade() const { return m_isMade; }
     QString error() const { return m_error; } ///< why it is not there, and what helps
 
 private:
-    enum class Kind { None, Mount, Link };
-
-    bool makeMount();
-    bool makeLink();
-
     QByteArray m_node;
     QByteArray m_device;
-    Kind m_kind = Kind::None;
+    bool m_isMade;
     QString m_error;
 };
 

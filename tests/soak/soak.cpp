@@ -1,0 +1,293 @@
+// Drives a simulated unit for a long time, over both roads, while its adapter is pulled and plugged in, its
+// profile and interface change and its devices move; and says in the end whether it held.
+//
+// What it is for are faults that need time: memory or descriptors that grow, a road that dies for good, a
+// request that is lost once in a million.
+
+#include "FlatLine.h"
+#include "Isolation.h"
+#include "SimulatorUnderLoad.h"
+#include "Traffic.h"
+
+#include <Tolvar/Varundo/Client/SerialLink.h>
+#include <Tolvar/Varundo/Client/TcpLink.h>
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QTemporaryFile>
+#include <QTimer>
+
+#include <cstdio>
+#include <functional>
+#include <memory>
+
+using namespace Tolvar::Varundo;
+using namespace Tolvar::Varundo::Test;
+
+namespace {
+
+constexpr int skippedStatus = 77;
+constexpr int sampleMs = 1000;
+constexpr int disturbanceMs = 3000;
+constexpr int adapterIsOutMs = 2500; // two looks of the watcher
+constexpr int adapterIsBackMs = 2500;
+constexpr double allowedKiBPerSecond = 1.0;
+// A short run cannot tell a slope from the allocator's last arenas.
+constexpr double allowedNoiseKiB = 1024.0;
+
+void say(const QString& line)
+{
+    std::printf("%s\n", qPrintable(line));
+    std::fflush(stdout);
+}
+
+class Soak final : public QObject
+{
+public:
+    Soak(int seconds, quint32 seed)
+        : m_seconds(seconds)
+        , m_seed(seed)
+    {}
+
+    int run();
+
+private:
+    bool connectControllers();
+    void connectTcp();
+    void sample();
+    void disturb();
+    void select(const QByteArray& interface);
+    void pull();
+    void afterwards(int ms, const std::function<void()>& what) { QTimer::singleShot(ms, this, what); }
+    int verdict();
+
+    int m_seconds;
+    quint32 m_seed;
+    SimulatorUnderLoad m_unit;
+    std::unique_ptr<Client::TcpLink> m_tcpLink;
+    std::unique_ptr<Client::SerialLink> m_serialLink;
+    std::unique_ptr<Traffic> m_tcp;
+    std::unique_ptr<Traffic> m_serial;
+    qint64 m_doneBefore = 0; // over TCP connections that were ended
+    qint64 m_errorsBefore = 0;
+    QString m_firstError;
+    QTemporaryFile m_profile;
+    QElapsedTimer m_clock;
+    FlatLine m_memory;
+    FlatLine m_descriptors;
+    int m_pulls = 0;
+    int m_disturbances = 0;
+};
+
+int Soak::run()
+{
+    QString error;
+    if (!m_unit.start(&error)) {
+        say(QStringLiteral("cannot start the unit: ") + error);
+        return EXIT_FAILURE;
+    }
+    m_profile.open();
+    m_profile.write(R"({"elements": [{"kind": "static", "id": 2, "text": "short profile"},
+        {"kind": "bound", "binding": "SectionDistanceCounter", "row": 1, "column": 1}]})");
+    m_profile.flush();
+    if (!connectControllers()) {
+        return EXIT_FAILURE;
+    }
+    m_clock.start();
+    select("Tcp");
+    QTimer sampling;
+    connect(&sampling, &QTimer::timeout, this, &Soak::sample);
+    sampling.start(sampleMs);
+    QTimer disturbing;
+    connect(&disturbing, &QTimer::timeout, this, &Soak::disturb);
+    disturbing.start(disturbanceMs);
+    QTimer::singleShot(m_seconds * 1000, qApp, &QCoreApplication::quit);
+    QCoreApplication::exec();
+    return verdict();
+}
+
+bool Soak::connectControllers()
+{
+    m_serialLink = std::make_unique<Client::SerialLink>(m_unit.controllerDevice());
+    if (!m_serialLink->open()) {
+        say(m_serialLink->errorText());
+        return false;
+    }
+    m_serial = std::make_unique<Traffic>(m_serialLink->device(), m_serialLink->peerName(), m_seed);
+    connectTcp();
+    return m_tcp != nullptr;
+}
+
+/// Another connection in place of the one there is, whose requests are given up: the newest is the one that
+/// is served.
+void Soak::connectTcp()
+{
+    auto link = std::make_unique<Client::TcpLink>(QStringLiteral("127.0.0.1"), m_unit.port());
+    if (!link->openAndWait(30000)) {
+        m_firstError = link->errorText();
+        ++m_errorsBefore;
+        return;
+    }
+    if (m_tcp) {
+        m_doneBefore += m_tcp->done();
+        m_errorsBefore += m_tcp->errors();
+        if (m_firstError.isEmpty()) {
+            m_firstError = m_tcp->firstError();
+        }
+    }
+    m_tcp = std::make_unique<Traffic>(link->device(), link->peerName(), ++m_seed);
+    m_tcpLink = std::move(link);
+    m_tcp->start();
+}
+
+void Soak::select(const QByteArray& interface)
+{
+    // Requests that are under way meet one interface or the other.
+    m_tcp->setDisturbed(true);
+    m_serial->setDisturbed(true);
+    m_serial->stop();
+    m_tcp->setSelected(interface == "Tcp");
+    m_serial->setSelected(interface == "Serial");
+    m_unit.command("interface " + interface);
+    afterwards(adapterIsBackMs, [this, interface] {
+        m_tcp->setDisturbed(false);
+        if (interface == "Serial") {
+            m_serial->start();
+            afterwards(adapterIsBackMs, [this] { m_serial->setDisturbed(false); });
+        }
+    });
+}
+
+void Soak::pull()
+{
+    ++m_pulls;
+    m_serial->setDisturbed(true);
+    m_unit.command("unplug");
+    afterwards(adapterIsOutMs, [this] { m_unit.command("plug"); });
+    afterwards(adapterIsOutMs + 2 * adapterIsBackMs, [this] { m_serial->setDisturbed(false); });
+}
+
+/// One after the other, so that a short run meets them all. Those that need time to settle have some.
+void Soak::disturb()
+{
+    switch (m_disturbances++ % 8) {
+    case 0:
+        m_unit.command("profile " + m_profile.fileName().toUtf8());
+        break;
+    case 1:
+        m_unit.command("profile");
+        m_unit.command(R"(devices {"crawler": {"roll": -3}, "reel": {"speed": 0.1, "section": 3}})");
+        break;
+    case 2:
+        m_tcp->stop();
+        connectTcp();
+        m_tcp->setSelected(true);
+        break;
+    case 3:
+        select("Serial");
+        break;
+    case 4:
+        m_unit.command(R"(devices {"camera": {"pan": 10}, "positionSensor": {"angle": 1}})");
+        break;
+    case 5:
+        pull();
+        break;
+    case 6:
+        break;
+    case 7:
+        select("Tcp");
+        break;
+    }
+}
+
+void Soak::sample()
+{
+    const double seconds = double(m_clock.elapsed()) / 1000;
+    m_memory.add(seconds, m_unit.residentKiB());
+    m_descriptors.add(seconds, m_unit.descriptors());
+    if (int(seconds) % qMax(5, m_seconds / 60) != 0 && int(seconds) != 1) {
+        return;
+    }
+    const qint64 done = m_doneBefore + m_tcp->done() + m_serial->done();
+    say(QStringLiteral("%1 s: %2 requests (%3/s), %4 KiB, %5 descriptors, %6 threads, %7 pulls")
+            .arg(int(seconds))
+            .arg(done)
+            .arg(int(double(done) / seconds))
+            .arg(m_unit.residentKiB())
+            .arg(m_unit.descriptors())
+            .arg(m_unit.threads())
+            .arg(m_pulls));
+    if (!m_unit.isRunning()) {
+        QCoreApplication::quit();
+    }
+}
+
+int Soak::verdict()
+{
+    m_tcp->stop();
+    m_serial->stop();
+    QStringList faults;
+    const bool lived = m_unit.isRunning();
+    const int status = m_unit.end();
+    if (!lived || status != 0) {
+        faults.append(QStringLiteral("the unit ended with status %1").arg(status));
+    }
+    const qint64 errors = m_errorsBefore + m_tcp->errors() + m_serial->errors();
+    const QStringList firstErrors = {m_firstError, m_tcp->firstError(), m_serial->firstError()};
+    if (errors > 0) {
+        faults.append(QStringLiteral("%1 requests failed, such as: %2")
+                          .arg(errors)
+                          .arg(firstErrors.filter(QStringLiteral(" ")).join(QLatin1String("; "))));
+    }
+    if (m_serial->done() == 0 || m_tcp->done() + m_doneBefore == 0) {
+        faults.append(QStringLiteral("a road was never served"));
+    }
+    const double allowed = qMax(allowedKiBPerSecond, allowedNoiseKiB / qMax(1.0, m_memory.span() / 2));
+    if (m_memory.slope() > allowed) {
+        faults.append(QStringLiteral("memory grows by %1 KiB/s").arg(m_memory.slope()));
+    }
+    // A connection that is being replaced may be seen twice.
+    if (m_descriptors.highestOfLastHalf() > m_descriptors.highestOfFirstHalf() + 2) {
+        faults.append(QStringLiteral("descriptors: %1 at most in the first half, %2 in the last")
+                          .arg(m_descriptors.highestOfFirstHalf())
+                          .arg(m_descriptors.highestOfLastHalf()));
+    }
+    for (const QString& complaint : m_unit.complaints().mid(0, 5)) {
+        faults.append(QStringLiteral("the unit said: ") + complaint);
+    }
+    say(QStringLiteral(
+            "memory: %1 KiB/s over the last half (allowed: %2), at most %3 KiB; lost while pulled or "
+            "switched: %4")
+            .arg(m_memory.slope(), 0, 'f', 2)
+            .arg(allowed, 0, 'f', 2)
+            .arg(qMax(m_memory.highestOfFirstHalf(), m_memory.highestOfLastHalf()))
+            .arg(m_tcp->lost() + m_serial->lost()));
+    for (const QString& fault : qAsConst(faults)) {
+        say(QStringLiteral("FAULT: ") + fault);
+    }
+    say(faults.isEmpty() ? QStringLiteral("verdict: it held") : QStringLiteral("verdict: it did not hold"));
+    return faults.isEmpty() ? EXIT_SUCCESS : EXIT_FAILURE;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    QCoreApplication application(argc, argv);
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral("Drives a simulated unit for a long time."));
+    parser.addHelpOption();
+    parser.addOption(
+        {QStringLiteral("seconds"), QStringLiteral("How long."), QStringLiteral("N"), QStringLiteral("60")});
+    parser.addOption({QStringLiteral("seed"), QStringLiteral("What is sent depends on it."),
+                      QStringLiteral("N"), QStringLiteral("1")});
+    parser.process(application);
+    if (!hasOwn("dev")) {
+        say(QString::fromLatin1(NeedsOwnDevices));
+        return skippedStatus;
+    }
+    return Soak(parser.value(QStringLiteral("seconds")).toInt(),
+                parser.value(QStringLiteral("seed")).toUInt())
+        .run();
+}
