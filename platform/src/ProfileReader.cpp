@@ -108,7 +108,7 @@ struct Kind
     bool isText;
 };
 
-constexpr Kind kinds[] = {
+const Kind kinds[] = {
     {QLatin1String("bound"), QLatin1String("binding"), readBinding, true},
     {QLatin1String("static"), QLatin1String("id"), readStaticId, true},
     {QLatin1String("free"), QLatin1String("caption"), readFreeCaption, true},

@@ -1,0 +1,41 @@
+// The profile loader: whatever stands in the file, it is loaded as a whole or refused with a reason, and the
+// elements that were there before stay in the latter case.
+
+#include "Demand.h"
+#include "FuzzInput.h"
+
+#include <Mavril/VideoOverlay/CVideoOverlayManager.h>
+#include <Mavril/VideoOverlay/CVideoOverlayText.h>
+#include <Tolvar/Varundo/ZelVideoOverlayElementAccessor.h>
+
+using namespace Tolvar::Varundo::Test;
+using Mavril::VideoOverlay::CVideoOverlayManager;
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    FuzzInput input(data, size);
+    const QByteArray json = input.rest();
+    Tolvar::Varundo::ZelVideoOverlayElementAccessor accessor;
+    CVideoOverlayManager manager;
+    manager.setElementAccessor(&accessor);
+    QString error;
+    demand(manager.loadProfileData(R"({"elements": [{"kind": "static", "id": 3, "text": "before"}]})",
+                                   QStringLiteral("before"), &error),
+           "a good profile is loaded");
+    const auto before = manager.getElementList();
+    const bool loaded = manager.loadProfileData(json, QStringLiteral("input"), &error);
+    demand(loaded == error.isEmpty(), "a profile is loaded, or it is said why not");
+    if (!loaded) {
+        demand(manager.getElementList() == before, "a bad profile changes nothing");
+        demand(error.startsWith(QStringLiteral("input")), "the reason begins with the file's name");
+        return 0;
+    }
+    for (auto* const element : manager.getElementList()) {
+        demand(element && element->width() >= 0 && element->height() >= 0,
+               "elements have a size that can be drawn");
+        accessor.generateElementKey(element->getParamObject());
+    }
+    demand(manager.loadProfileData(json, QStringLiteral("input"), &error),
+           "what was loaded once loads again");
+    return 0;
+}

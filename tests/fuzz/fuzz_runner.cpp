@@ -1,0 +1,98 @@
+// A whole unit with the reference platform, over real sockets: bytes cut anywhere, and what happens at the
+// unit in between. Every reply is checked against a model of the decoder.
+//
+// Input: steps, each a byte that says what happens and what that needs.
+
+#include "FuzzInput.h"
+#include "FuzzedUnit.h"
+
+#include <QGuiApplication>
+
+#include <cstdlib>
+
+using namespace Tolvar::Varundo;
+using namespace Tolvar::Varundo::Test;
+
+namespace {
+
+FuzzedUnit& unit()
+{
+    static int argc = 1;
+    static char name[] = "fuzz_runner";
+    static char* argv[] = {name, nullptr};
+    static const bool prepared =
+        qputenv("QT_QPA_PLATFORM", "offscreen") && qputenv("QT_LOGGING_RULES", "varundo.*=false");
+    Q_UNUSED(prepared)
+    static QGuiApplication application(argc, argv);
+    static FuzzedUnit theUnit;
+    return theUnit;
+}
+
+/// A frame of any length, from a few bytes of input.
+QByteArray frameOf(FuzzInput& input)
+{
+    QByteArray frame(1, '\x02');
+    frame += input.bytes(2);
+    const int low = input.byte();
+    const int high = input.byte();
+    frame.append(static_cast<char>(low)).append(static_cast<char>(high));
+    const QByteArray pattern = input.piece();
+    QByteArray payload(low + 256 * high, 'x');
+    for (int i = 0; !pattern.isEmpty() && i < payload.size(); ++i) {
+        payload[i] = pattern.at(i % pattern.size());
+    }
+    return frame + payload + '\x03';
+}
+
+void step(FuzzInput& input, FuzzedUnit& unit)
+{
+    switch (const int what = input.byte(); what % 16) {
+    case 8:
+        unit.send(frameOf(input));
+        break;
+    case 9:
+        unit.runner().setInterface(static_cast<Runner::SelectedInterface>(input.byte() % 4));
+        break;
+    case 10:
+        unit.loadProfile(input.byte());
+        break;
+    case 11:
+        unit.deleteElement(input.byte());
+        break;
+    case 12:
+        unit.disconnectNewest();
+        unit.connectController();
+        break;
+    case 13:
+        unit.connectController();
+        break;
+    case 14: {
+        const int kind = input.byte();
+        const int high = input.byte();
+        if (kind >= 0xF0) {
+            unit.setDevicePresent(kind, high % 2 == 0);
+        } else {
+            unit.emitReadings(kind, static_cast<qint16>(high * 256 + input.byte()));
+        }
+        break;
+    }
+    case 15:
+        unit.runner().clearEmptyTexts();
+        break;
+    default:
+        unit.send(input.piece());
+    }
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    FuzzedUnit& theUnit = unit();
+    FuzzInput input(data, size);
+    while (!input.isEmpty()) {
+        step(input, theUnit);
+    }
+    theUnit.restore();
+    return 0;
+}
