@@ -81,4 +81,11 @@ void ModelOverlay::removeEmptyCustom()
             [](const Element& element) { return element.isCustom() && trimmed(element.text).empty(); });
 }
 
+void ModelOverlay::hideTimedOut()
+{
+    for (Element& element : m_elements) {
+        element.visible = element.visible && element.timeout == 0;
+    }
+}
+
 } // namespace Tolvar::Varundo::Model

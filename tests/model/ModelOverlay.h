@@ -58,6 +58,7 @@ public:
 
     void removeCustom();
     void removeEmptyCustom();
+    void hideTimedOut();
 
 private:
     std::vector<Element> m_elements;

@@ -23,7 +23,7 @@ std::optional<Disagreement> play(const Sequence& sequence, UnitModel::Flaw flaw)
 
 Sequence shrunk(const Sequence& sequence, UnitModel::Flaw flaw)
 {
-    constexpr int MostTrials = 200; // each unit leaves a thread and a socket behind
+    constexpr int MostTrials = 300; // each unit leaves a thread and a socket behind
     Shrinker shrinker(
         [flaw](const Sequence& candidate) -> std::optional<std::size_t> {
             const std::optional<Disagreement> found = play(candidate, flaw);

@@ -14,6 +14,18 @@ namespace Tolvar::Varundo::Model {
 using Mavril::VideoOverlay::CVideoOverlayElement;
 using Mavril::VideoOverlay::CVideoOverlayText;
 
+namespace {
+
+constexpr int Never = 24 * 3600 * 1000;
+
+void fire(QTimer& timer)
+{
+    QTimerEvent itIsTime(timer.timerId());
+    QCoreApplication::sendEvent(&timer, &itIsTime);
+}
+
+} // namespace
+
 RealUnit::RealUnit()
 {
     QCoreApplication::setApplicationVersion(QStringLiteral("3.1"));
@@ -45,7 +57,6 @@ RealUnit::~RealUnit()
 void RealUnit::takeOverCleaning()
 {
     constexpr int Usual = 200;
-    constexpr int Never = 24 * 3600 * 1000;
     m_cleaning = m_runner->findChild<QTimer*>(QString(), Qt::FindDirectChildrenOnly);
     if (m_cleaning == nullptr || !m_cleaning->isActive() || m_cleaning->interval() != Usual) {
         m_problem = QStringLiteral("the unit does not look for empty texts every 200 ms");
@@ -80,11 +91,12 @@ bool RealUnit::apply(const Step& step)
     case Step::Kind::RemoveProfile:
         m_overlay.removeProfile();
         break;
-    case Step::Kind::CleanUp: {
-        QTimerEvent itIsTime(m_cleaning->timerId());
-        QCoreApplication::sendEvent(m_cleaning, &itIsTime);
+    case Step::Kind::CleanUp:
+        fire(*m_cleaning);
         break;
-    }
+    case Step::Kind::HideTimedOut:
+        hideTimedOut();
+        break;
     case Step::Kind::MoveElement:
     case Step::Kind::SwitchElement:
     case Step::Kind::EditText:
@@ -105,7 +117,39 @@ bool RealUnit::apply(const Step& step)
         break;
     }
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    putOffTimeouts();
     return m_problem.isEmpty();
+}
+
+/// Texts that show for a while hide when a step says so, not when the machine has taken long enough.
+void RealUnit::putOffTimeouts()
+{
+    for (QTimer* const timer : timeouts()) {
+        if (timer->interval() != Never) {
+            timer->start(Never);
+        }
+    }
+}
+
+void RealUnit::hideTimedOut()
+{
+    for (QTimer* const timer : timeouts()) {
+        fire(*timer);
+    }
+}
+
+/// The timers that run.
+QList<QTimer*> RealUnit::timeouts() const
+{
+    QList<QTimer*> timers;
+    for (CVideoOverlayElement* const element : elements()) {
+        const auto* const text = qobject_cast<CVideoOverlayText*>(element);
+        auto* const timer = text != nullptr && text->timeout() > 0 ? text->findChild<QTimer*>() : nullptr;
+        if (timer != nullptr && timer->isActive()) {
+            timers.append(timer);
+        }
+    }
+    return timers;
 }
 
 void RealUnit::send(const Bytes& bytes)

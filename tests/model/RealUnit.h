@@ -23,8 +23,8 @@
 namespace Tolvar::Varundo::Model {
 
 /// The other side of the comparison: the library on the reference platform, with a controller on a real
-/// connection. Nothing happens to it but the steps; the time for tidying up comes when a step says so, and
-/// the clock stands still.
+/// connection. Nothing happens to it but the steps: timers fire when a step
+/// says so, and the clock stands still.
 class RealUnit final : private Mavril::SystemClock, private Tolvar::VideoOverlay::CVideoOverlayControlBackend
 {
 public:
@@ -58,6 +58,9 @@ private:
 
     void takeOverCleaning();
     void connectController();
+    void putOffTimeouts();
+    void hideTimedOut();
+    [[nodiscard]] QList<QTimer*> timeouts() const;
     void send(const Bytes& bytes);
     void read(Reading reading, const std::array<double, 4>& numbers);
     void loadProfile(int variant);

@@ -25,6 +25,18 @@ Client::TextCodec textCodec(int number)
                          : Client::TextCodec::Latin9;
 }
 
+/// On one line, and without a NUL character, at which a report would end.
+QString printable(const QString& text)
+{
+    QString result;
+    for (const QChar character : text) {
+        result += character.isPrint()
+                      ? QString(character)
+                      : QStringLiteral("\\u%1").arg(character.unicode(), 4, 16, QLatin1Char('0'));
+    }
+    return result;
+}
+
 QString meaning(const Bytes& piece, int codec)
 {
     const QByteArray bytes = asByteArray(piece);
@@ -43,7 +55,8 @@ QString sent(const Step& step, int codec)
     for (const Bytes& piece : step.pieces) {
         meanings.append(meaning(piece, codec));
     }
-    return QStringLiteral("> %1    # %2").arg(hex(step.bytes()), meanings.join(QStringLiteral("; ")));
+    return QStringLiteral("> %1    # %2")
+        .arg(hex(step.bytes()), printable(meanings.join(QStringLiteral("; "))));
 }
 
 QString numbers(const Step& step, int count)
@@ -85,6 +98,8 @@ QString happened(const Step& step)
         return QStringLiteral("profile removed");
     case Step::Kind::CleanUp:
         return QStringLiteral("empty texts removed");
+    case Step::Kind::HideTimedOut:
+        return QStringLiteral("what shows for a while is over");
     case Step::Kind::MoveElement:
         return QStringLiteral("host moves element ") + which + QStringLiteral(" to") + numbers(step, 2);
     case Step::Kind::SwitchElement:

@@ -9,6 +9,9 @@ namespace Tolvar::Varundo::Model {
 namespace {
 
 constexpr std::size_t HeaderSize = 5;
+/// So few neighbours are tried wherever they stand: a broken frame can often be left out only together with
+/// what has brought the receiver back into step.
+constexpr std::size_t FewTogether = 4;
 
 /// Leaves out ever smaller parts of the list as long as what remains is accepted, which may shorten it more.
 template <class List, class Accepted>
@@ -27,7 +30,7 @@ void leaveOut(List& list, Accepted accepted)
                 list = rest;
                 isShorter = true;
             } else {
-                at += part;
+                at += part > FewTogether ? part : 1;
             }
         }
         goesOn = part > 1 || isShorter;

@@ -42,6 +42,7 @@ struct Step
         LoadProfile, ///< which: a number for profileVariant()
         RemoveProfile,
         CleanUp,         ///< the time has come to remove texts without anything to show
+        HideTimedOut,    ///< the time of every text that shows for a while is over
         MoveElement,     ///< by the host. which: its place in the list; numbers: column, row
         SwitchElement,   ///< by the host. numbers: enabled
         EditText,        ///< by the host. numbers: one of HostTexts

@@ -43,7 +43,7 @@ void StepGenerator::add(const Step& step)
 /// A reading that nobody asks for may be wrong unnoticed.
 void StepGenerator::addLook(const Step& happened)
 {
-    if (happened.kind != Kind::Read || m_random.oneIn(3)) {
+    if (happened.kind != Kind::Read || !m_random.oneIn(3)) {
         return;
     }
     Step look;
@@ -98,7 +98,7 @@ void StepGenerator::addTidying()
 {
     constexpr std::size_t ManyElements = 60;
     const bool isJammed = m_model.receiver().waitingFor() != ModelReceiver::Waiting::Start;
-    if (isJammed && m_random.oneIn(2)) {
+    if (isJammed && !m_random.oneIn(4)) {
         add(sending(wayOut()));
     }
     if (m_model.elements().size() > ManyElements) {
@@ -136,8 +136,11 @@ Step StepGenerator::whatHappens()
     if (chance < 45) {
         return reading();
     }
-    if (chance < 65) {
-        return happening(Kind::CleanUp, 0);
+    if (chance < 60) {
+        return happening(Kind::CleanUp);
+    }
+    if (chance < 66) {
+        return happening(Kind::HideTimedOut);
     }
     if (chance < 83) {
         return hostsEdit();
@@ -146,13 +149,13 @@ Step StepGenerator::whatHappens()
         return happening(Kind::LoadProfile, m_random.below(ProfileVariants));
     }
     if (chance < 90) {
-        return happening(Kind::RemoveProfile, 0);
+        return happening(Kind::RemoveProfile);
     }
     if (chance < 93) {
         return happening(Kind::SelectInterface, m_random.below(3));
     }
     if (chance < 95) {
-        return happening(Kind::Connect, 0);
+        return happening(Kind::Connect);
     }
     Step clock = happening(Kind::SetClock, m_random.below(86400));
     clock.numbers = {2000.0 + m_random.below(38), 1.0 + m_random.below(12), 1.0 + m_random.below(28), 0.0};
@@ -161,28 +164,22 @@ Step StepGenerator::whatHappens()
 
 Step StepGenerator::reading()
 {
+    constexpr std::array<int, 7> Whole{
+        0, 1, -1, 25, 2001, std::numeric_limits<int>::max(), std::numeric_limits<int>::min()};
+    constexpr std::array<int, 4> Thousandfold{2, 2000, 1, 1000};
     Step step = happening(Kind::Read, m_random.below(Readings));
     for (double& value : step.numbers) {
         value = number();
     }
     switch (static_cast<Reading>(step.which)) {
     case Reading::CrawlerTemperature:
-    case Reading::CrawlerPressure:
     case Reading::CameraTemperature:
-    case Reading::CameraPressure: {
-        constexpr std::array<int, 10> Whole{0,
-                                            1,
-                                            -1,
-                                            2,
-                                            2000,
-                                            2001,
-                                            1000,
-                                            25,
-                                            std::numeric_limits<int>::max(),
-                                            std::numeric_limits<int>::min()};
         step.numbers[0] = m_random.oneIn(4) ? m_random.below(3000) : m_random.oneOf(Whole);
         break;
-    }
+    case Reading::CrawlerPressure:
+    case Reading::CameraPressure:
+        step.numbers[0] = m_random.oneIn(6) ? m_random.oneOf(Whole) : m_random.oneOf(Thousandfold);
+        break;
     case Reading::CameraPan:
     case Reading::CameraTilt:
         step.numbers[0] = m_random.oneIn(4) ? -32768 : m_random.oneIn(4) ? 32767 : m_random.below(360) - 180;
@@ -236,7 +233,7 @@ Step StepGenerator::hostsEdit()
     } else {
         step.numbers = {static_cast<double>(m_random.below(static_cast<int>(HostTexts.size()))), 0, 0, 0};
         if (step.kind == Kind::DeleteElement && m_random.oneIn(2)) {
-            return happening(Kind::CleanUp, 0); // or there would be no elements left before long
+            return happening(Kind::CleanUp); // or there would be no elements left before long
         }
     }
     return step;

@@ -26,6 +26,8 @@ void UnitModel::apply(const Step& step)
         return;
     case Step::Kind::CleanUp:
         return m_overlay.removeEmptyCustom();
+    case Step::Kind::HideTimedOut:
+        return m_overlay.hideTimedOut();
     case Step::Kind::MoveElement:
     case Step::Kind::SwitchElement:
     case Step::Kind::EditText:

@@ -55,24 +55,30 @@ QString TestModelCodecs::compared(int codec, QTextCodec* reference, const std::u
     const QByteArray ours(reinterpret_cast<const char*>(bytes.data()), static_cast<int>(bytes.size()));
     const QByteArray expected = reference->fromUnicode(unchanged(text));
     return ours == expected ? QString()
-                            : QStringLiteral("U+%1...: Qt has %2, the model %3")
+                            : QStringLiteral("from U+%1 on: Qt has %2, the model %3")
                                   .arg(text.empty() ? 0 : text[0], 4, 16, QLatin1Char('0'))
                                   .arg(QLatin1String(expected.toHex(' ')), QLatin1String(ours.toHex(' ')));
 }
 
+/// In blocks, or each character would cost two strings.
 void TestModelCodecs::everyCharacterIsEncodedAsQtDoes()
 {
+    constexpr char32_t Block = 256;
     QFETCH(int, codec);
     QFETCH(QTextCodec*, reference);
     QCOMPARE(compared(codec, reference, u""), QString());
-    for (char32_t character = 0; character <= 0x10FFFF; ++character) {
-        if (character < 0xD800 || character > 0xDFFF) {
-            std::u16string text(1, static_cast<char16_t>(character));
+    for (char32_t first = 0; first <= 0x10FFFF; first += Block) {
+        std::u16string text;
+        for (char32_t character = first; character < first + Block; ++character) {
             if (character > 0xFFFF) {
-                text = {QChar::highSurrogate(character), QChar::lowSurrogate(character)};
+                text.push_back(QChar::highSurrogate(character));
+                text.push_back(QChar::lowSurrogate(character));
+            } else if (!QChar::isSurrogate(character)) {
+                text.push_back(static_cast<char16_t>(character));
             }
-            QCOMPARE(compared(codec, reference, text), QString());
+            text.push_back(u'x');
         }
+        QCOMPARE(compared(codec, reference, text), QString());
     }
 }
 
@@ -92,7 +98,7 @@ void TestModelCodecs::halvesOfPairsAreEncodedAsQtDoes()
 
 void TestModelCodecs::anyBytesAreDecodedAsQtDoes()
 {
-    constexpr int Texts = 100000;
+    constexpr int Texts = 20000;
     constexpr std::uint8_t Likely[] = {0,    0x41, 0x80, 0xA4, 0xBB, 0xBF, 0xC0, 0xC2, 0xD8, 0xDC, 0xE0,
                                        0xE2, 0xED, 0xEF, 0xF0, 0xF4, 0xF5, 0xFE, 0xFF, 0x9F, 0x90, 0x20};
     QFETCH(int, codec);

@@ -18,6 +18,7 @@ class TestModelShrinking : public QObject
 
 private slots:
     void everythingUnneededIsLeftOut();
+    void brokenFrameIsLeftOutWithItsRepair();
     void frameThatWasCutIsPutTogether();
     void sequenceThatDoesNotFailStaysAsItIs();
     void searchEndsAtItsLimit();
@@ -77,6 +78,25 @@ void TestModelShrinking::everythingUnneededIsLeftOut()
     QCOMPARE(shortest[0].pieces, std::vector<Bytes>{NeededFirst});
     QCOMPARE(shortest[1].kind, Step::Kind::RemoveProfile);
     QCOMPARE(shortest[2].pieces, std::vector<Bytes>{NeededLast});
+}
+
+/// A frame with a wrong group, and what the receiver then needs, go together or not at all.
+void TestModelShrinking::brokenFrameIsLeftOutWithItsRepair()
+{
+    const auto fails = [](const Sequence& sequence) -> std::optional<std::size_t> {
+        UnitModel model;
+        for (std::size_t at = 0; at < sequence.size(); ++at) {
+            model.apply(sequence[at]);
+            if (model.cursorColumn() == 7) {
+                return at;
+            }
+        }
+        return std::nullopt;
+    };
+    Shrinker shrinker(fails, 1000);
+    const Sequence shortest = shrinker.shrunk({happening(Step::Kind::LoadProfile), sending({2, 5, 9}),
+                                               sending({1, 0, 0, 3}), sending(frame(0x62, 2, {7}))});
+    QCOMPARE(shortest.size(), std::size_t{1});
 }
 
 /// Neither half of a frame can be left out, so the whole has to be put together before its payload can.
@@ -141,7 +161,7 @@ void TestModelShrinking::plantedDisagreementIsShrunkToItsMinimum()
         QSKIP(Test::NeedsOwnNetwork);
     }
     QFETCH(int, seed);
-    const Sequence sequence = StepGenerator(static_cast<std::uint32_t>(seed)).sequence(4000);
+    const Sequence sequence = StepGenerator(static_cast<std::uint32_t>(seed)).sequence(8000);
     QVERIFY(play(sequence, Flaw).has_value());
     const Sequence shortest = shrunk(sequence, Flaw);
     const QString report = explained(shortest, Flaw);
