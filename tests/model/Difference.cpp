@@ -205,7 +205,7 @@ QString differenceOfOverlay(const UnitModel& model, RealUnit& unit)
 
 QString firstDifference(const UnitModel& model, RealUnit& unit)
 {
-    const QString ofReplies = differenceOfReplies(model, unit);
+    QString ofReplies = differenceOfReplies(model, unit);
     if (!ofReplies.isEmpty()) {
         return ofReplies;
     }
