@@ -14,7 +14,7 @@ int packedDecimal(const Bytes& payload)
     constexpr long long Largest = 0x7FFFFFFF;
     long long number = 0;
     for (const std::uint8_t byte : payload) {
-        number = number * 100 + byte / 16 * 10 + byte % 16;
+        number = number * 100 + (byte / 16) * 10LL + byte % 16;
         if (byte / 16 > 9 || byte % 16 > 9) {
             return 0;
         }
