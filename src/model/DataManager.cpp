@@ -11,15 +11,16 @@ namespace {
 // The rules by which a setter decides whether its value is a change. Each stands here once; the arguments in
 // front of the value in a signal (the element's name, or none) are what the setters differ in.
 
-/// Formats, visibility, counter fields, positions, colours, texts: different is different.
+/// Formats, visibility, counter fields, positions, colours, texts: different is different. What is announced
+/// is a copy: a listener may set the value anew, or destroy the model, while others still look at it.
 template <class T, class Signal, class... Name>
-void change(DataManager& model, T& stored, const T& value, Signal changed, const Name&... name)
+void change(DataManager& model, T& stored, const T value, Signal changed, const Name... name)
 {
     if (stored == value) {
         return;
     }
     stored = value;
-    (model.*changed)(name..., stored);
+    (model.*changed)(name..., value);
 }
 
 using ValueChanged = void (DataManager::*)(float);
@@ -614,7 +615,7 @@ void DataManager::setLineText(QStringList lineText, int duration)
         return;
     }
     m_lineText = lineText;
-    emit lineTextChanged(ElementParam::NAME_OSD_FREE_TEXT_BOX, m_lineText, duration);
+    emit lineTextChanged(ElementParam::NAME_OSD_FREE_TEXT_BOX, lineText, duration);
 }
 
 void DataManager::setLineColorPair(ColorPair colorPair)

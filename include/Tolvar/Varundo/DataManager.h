@@ -20,6 +20,9 @@ namespace Tolvar::Varundo {
 /// NAME_* constant of the host, so that a listener needs no table of its own. Format signals carry none, with
 /// one deliberate exception.
 ///
+/// A listener may set the value anew, or destroy the Runner and the model with it: what the others are told
+/// is a copy. Removing a profile breaks every connection from this object, a host's own too.
+///
 /// Positions are columns (x) and rows (y) of the overlay's text grid. Values are kept as the devices report
 /// them, unscaled. Nothing is persisted, and nothing is validated: what comes off the wire is stored as it
 /// is.
