@@ -1,5 +1,7 @@
 #include <Tolvar/Varundo/ZelVideoOverlayElementAccessor.h>
 
+#include "InTurn.h"
+
 #include <Mavril/VideoOverlay/CVideoOverlayElement.h>
 #include <Mavril/VideoOverlay/CVideoOverlayText.h>
 #include <Mavril/VideoOverlay/ElementParam.h>
@@ -47,10 +49,9 @@ void ZelVideoOverlayElementAccessor::unregisterElement(CVideoOverlayElement* ele
 
 void ZelVideoOverlayElementAccessor::setElementPosition(const QString& key, QPoint position)
 {
-    if (CVideoOverlayElement* const element = m_registry.value(key)) {
-        element->setColumn(position.x());
-        element->setRow(position.y());
-    }
+    const QPointer<CVideoOverlayElement> element = m_registry.value(key);
+    inTurn([&] { return !element.isNull(); }, [&] { element->setColumn(position.x()); },
+           [&] { element->setRow(position.y()); });
 }
 
 void ZelVideoOverlayElementAccessor::setElementVisibility(const QString& key, bool visible)
@@ -91,15 +92,12 @@ void ZelVideoOverlayElementAccessor::setElementUnit(const QString& key, const QS
 void ZelVideoOverlayElementAccessor::setElementFreeTextEnabled(const QString& key, int timeout,
                                                                const QString& text)
 {
-    if (CVideoOverlayText* const element = textElement(key)) {
-        // Hidden first and shown last: it is the showing that starts the time-out, with the new text already
-        // in place.
-        element->setVisible(false);
-        element->setTimeout(timeout);
-        element->setText(text);
-        element->setEnabled(true);
-        element->setVisible(true);
-    }
+    const QPointer<CVideoOverlayText> element = textElement(key);
+    // Hidden first and shown last: it is the showing that starts the time-out, with the new text already in
+    // place.
+    inTurn([&] { return !element.isNull(); }, [&] { element->setVisible(false); },
+           [&] { element->setTimeout(timeout); }, [&] { element->setText(text); },
+           [&] { element->setEnabled(true); }, [&] { element->setVisible(true); });
 }
 
 CVideoOverlayText* ZelVideoOverlayElementAccessor::textElement(const QString& key) const
