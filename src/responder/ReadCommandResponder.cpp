@@ -11,6 +11,7 @@
 
 #include <QDate>
 #include <QLoggingCategory>
+#include <QPointer>
 #include <QTime>
 #include <QtEndian>
 
@@ -63,12 +64,6 @@ bool present(const Device* device, const char* name)
         qCWarning(responderLog, "the unit has no %s; its values are answered as 0", name);
     }
     return false;
-}
-
-float reelDistance(float (ITolvarReel::*distance)() const)
-{
-    const ITolvarReel* const reel = CTolvarLibrary::getReel();
-    return present(reel, "reel") ? (reel->*distance)() : 0.0F;
 }
 
 struct StatusLine
@@ -152,17 +147,17 @@ void ReadCommandResponder::onReadInclinationValue()
 
 void ReadCommandResponder::onReadMeterCounter1Value()
 {
-    answerValue(0x30, reelDistance(&ITolvarReel::sectionDistance));
+    answerDistance(0x30, &ITolvarReel::sectionDistance);
 }
 
 void ReadCommandResponder::onReadMeterCounter2Value()
 {
-    answerValue(0x36, reelDistance(&ITolvarReel::satDistance));
+    answerDistance(0x36, &ITolvarReel::satDistance);
 }
 
 void ReadCommandResponder::onReadMeterCounter3Value()
 {
-    answerValue(0x3B, reelDistance(&ITolvarReel::totalDistance));
+    answerDistance(0x3B, &ITolvarReel::totalDistance);
 }
 
 // The unit's clock, not the data model.
@@ -246,15 +241,20 @@ void ReadCommandResponder::onReadTextCodec()
     answer(0x01, QByteArray(1, lowByte(m_dataManager->textCodec())));
 }
 
-// Measurement devices.
+// Measurement devices. Who asks one calls the host, which may do anything meanwhile: take the device away, or
+// destroy the responder.
 
 void ReadCommandResponder::onReadLaserCalibrationValue(unsigned char index)
 {
     double first = 0.0;
     double second = 0.0;
+    const QPointer<ReadCommandResponder> self(this);
     const ITolvarCamera* const camera = CTolvarLibrary::getCamera();
     if (present(camera, "camera")) {
         camera->laserCalibration(first, second);
+    }
+    if (!self) {
+        return;
     }
     QByteArray payload(1, static_cast<char>(index));
     if (index == 1) {
@@ -269,17 +269,22 @@ void ReadCommandResponder::onReadLaserCalibrationValue(unsigned char index)
 /// take the silence for exactly that.
 void ReadCommandResponder::onRead3DMeasurementValues()
 {
-    const ITolvarCameraPositionSensor* const sensor = CTolvarLibrary::getCameraPositionSensor();
+    const QPointer<ReadCommandResponder> self(this);
+    const QPointer<const ITolvarCameraPositionSensor> sensor = CTolvarLibrary::getCameraPositionSensor();
+    const Position3D position = sensor ? sensor->position() : Position3D{};
     if (!sensor) {
         qCDebug(responderLog, "no camera position sensor; the request is not answered");
         return;
     }
-    const Position3D position = sensor->position();
+    const float angle = sensor->angle();
+    if (!self) {
+        return;
+    }
     QByteArray payload;
     appendDouble(payload, position.x);
     appendDouble(payload, position.y);
     appendDouble(payload, position.z);
-    appendSingle(payload, sensor->angle());
+    appendSingle(payload, angle);
     answer(0xD4, payload);
 }
 
@@ -300,6 +305,16 @@ void ReadCommandResponder::answerValue(quint8 cmdId, float value)
     QByteArray payload;
     appendSingle(payload, value);
     answer(cmdId, payload);
+}
+
+void ReadCommandResponder::answerDistance(quint8 cmdId, float (ITolvarReel::*distance)() const)
+{
+    const QPointer<ReadCommandResponder> self(this);
+    const ITolvarReel* const reel = CTolvarLibrary::getReel();
+    const float metres = present(reel, "reel") ? (reel->*distance)() : 0.0F;
+    if (self) {
+        answerValue(cmdId, metres);
+    }
 }
 
 void ReadCommandResponder::answer(quint8 cmdId, const QByteArray& payload)

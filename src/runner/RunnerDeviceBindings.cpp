@@ -10,6 +10,8 @@
 
 #include <Tolvar/Varundo/DataManager.h>
 
+#include <QPointer>
+
 namespace Tolvar::Varundo {
 
 // Devices outlive the Runner. The context of each connection is therefore the data model, so that the
@@ -74,7 +76,13 @@ void Runner::connectNEXCrawler()
             Qt::DirectConnection);
     connect(
         crawler, &ITolvarCrawler::crawlerPitchChanged, model,
-        [model, crawler] { model->setInclinationValue(crawler->crawlerPitch()); }, Qt::DirectConnection);
+        [model = QPointer<DataManager>(model), crawler] {
+            const float pitch = crawler->crawlerPitch();
+            if (model) { // the host was asked, and may have destroyed the Runner
+                model->setInclinationValue(pitch);
+            }
+        },
+        Qt::DirectConnection);
 }
 
 /// Each pan reading is deliberately handed on twice: what a repeated value means is the data model's affair.

@@ -8,6 +8,8 @@
 #include <QObject>
 #include <QPoint>
 
+class ITolvarReel;
+
 namespace Tolvar::Varundo {
 
 class DataManager;
@@ -78,6 +80,7 @@ private:
     void answer(quint8 cmdId, const QByteArray& payload);
     void answerState(quint8 cmdId, int format, bool visible, const QPoint& position);
     void answerValue(quint8 cmdId, float value);
+    void answerDistance(quint8 cmdId, float (ITolvarReel::*distance)() const);
 
     DataManager* m_dataManager;
 };
