@@ -1,9 +1,11 @@
 #include <Tolvar/Varundo/Runner.h>
 
+#include "InTurn.h"
 #include "RunnerLog.h"
 
 #include <CApplicationSettings.h>
 #include <Mavril/SystemDateTime.h>
+#include <Mavril/VideoOverlay/CVideoOverlayManager.h>
 #include <Tolvar/VideoOverlay/CVideoOverlayControlBackend.h>
 
 #include <Tolvar/Varundo/CommandParser.h>
@@ -71,37 +73,60 @@ Runner::~Runner() = default;
 
 void Runner::initDataManager()
 {
-    m_dataManager->setMeterCounter1Format(0);
-    m_dataManager->setMeterCounter2Format(0);
-    m_dataManager->setMeterCounter3Format(0);
-    m_dataManager->setDateFormat(0);
-    m_dataManager->setTimeFormat(0);
+    struct StartValue
+    {
+        void (DataManager::*set)(int);
+        int value;
+    };
+    static constexpr StartValue startValues[] = {
+        {&DataManager::setMeterCounter1Format, 0},
+        {&DataManager::setMeterCounter2Format, 0},
+        {&DataManager::setMeterCounter3Format, 0},
+        {&DataManager::setDateFormat, 0},
+        {&DataManager::setTimeFormat, 0},
+        // What controllers read before the host has counted anything; deliberate, they recognise a fresh unit
+        // by it.
+        {&DataManager::setVideoCounterHours, 10},
+        {&DataManager::setVideoCounterMinutes, 20},
+        {&DataManager::setVideoCounterSeconds, 30},
+        {&DataManager::setVideoCounterFrames, 40},
+        {&DataManager::setVideoCounterFormat, 0},
+        {&DataManager::setCrawlerTemperatureFormat, 0},
+        {&DataManager::setCrawlerPressureFormat, 0},
+        {&DataManager::setCrawlerRollFormat, 0},
+        {&DataManager::setTiltFormat, 1},
+        {&DataManager::setExtTemperatureFormat, 0},
+        {&DataManager::setCameraTemperatureFormat, 0},
+        {&DataManager::setPressureFormat, 0},
+        {&DataManager::setInclinationFormat, 0},
+        {&DataManager::setPanPositionFormat, 0},
+        {&DataManager::setCableSpeedFormat, 1},
+    };
+    // Whoever hears of a change may load another profile, which then starts afresh itself, or destroy us.
+    const QPointer<Runner> self(this);
+    const quint32 profile = m_profile;
+    const auto goesOn = [&] {
+        return self && m_profile == profile;
+    };
+    for (const StartValue& start : startValues) {
+        if (!goesOn()) {
+            return;
+        }
+        (m_dataManager->*start.set)(start.value);
+    }
+    inTurn(
+        goesOn, [&] { m_dataManager->setTextCodec(DataManager::Latin9); },
+        [&] {
+            m_dataManager->setSoftwareID(QStringLiteral("Tolvar QR740 ZEL-interface: V%1 - 20180828 - 12:00")
+                                             .arg(QCoreApplication::applicationVersion()));
+        },
+        [&] { followCursor(); });
+}
 
-    // What controllers read before the host has counted anything; deliberate, they recognise a fresh unit by
-    // it.
-    m_dataManager->setVideoCounterHours(10);
-    m_dataManager->setVideoCounterMinutes(20);
-    m_dataManager->setVideoCounterSeconds(30);
-    m_dataManager->setVideoCounterFrames(40);
-    m_dataManager->setVideoCounterFormat(0);
-
-    m_dataManager->setCrawlerTemperatureFormat(0);
-    m_dataManager->setCrawlerPressureFormat(0);
-    m_dataManager->setCrawlerRollFormat(0);
-    m_dataManager->setTiltFormat(1);
-    m_dataManager->setExtTemperatureFormat(0);
-    m_dataManager->setCameraTemperatureFormat(0);
-    m_dataManager->setPressureFormat(0);
-    m_dataManager->setInclinationFormat(0);
-    m_dataManager->setPanPositionFormat(0);
-    m_dataManager->setCableSpeedFormat(1);
-    m_dataManager->setTextCodec(DataManager::Latin9);
-
-    m_dataManager->setSoftwareID(QStringLiteral("Tolvar QR740 ZEL-interface: V%1 - 20180828 - 12:00")
-                                     .arg(QCoreApplication::applicationVersion()));
-
-    // Made anew, since removing a profile breaks it with all the data model's connections; one at a time,
-    // since a profile may also be loaded over another.
+/// Made anew, since removing a profile breaks it with all the data model's connections; one at a time, since
+/// a profile may also be loaded over another.
+void Runner::followCursor()
+{
     disconnect(m_cursorConnection);
     m_cursorConnection = connect(
         m_dataManager, &DataManager::cursorPositionChanged, m_dataManager,
@@ -253,9 +278,14 @@ void Runner::setInterface(SelectedInterface interface)
         qCWarning(runnerLog, "interface %d does not exist; the selection stays", static_cast<int>(interface));
         return;
     }
+    const QPointer<Runner> self(this);
+    const SelectedInterface before = m_interface;
     CApplicationSettings::instance()->setCustomSetting(interfaceSetting(), QLatin1String(key));
-    m_interface = interface;
-    emit interfaceChanged(interface);
+    // The host's store may have led to another choice, which is the later one then, or to our end.
+    if (self && m_interface == before) {
+        m_interface = interface;
+        emit interfaceChanged(interface);
+    }
 }
 
 } // namespace Tolvar::Varundo

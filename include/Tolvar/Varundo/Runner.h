@@ -12,6 +12,7 @@
 #include <QPointer>
 #include <QString>
 #include <QStringList>
+#include <QVector>
 
 namespace Mavril::VideoOverlay {
 class CVideoOverlayElement;
@@ -44,6 +45,10 @@ class ZelVideoOverlayElementAccessor;
 ///
 /// Needs a QGuiApplication (text is measured). Not thread-safe: everything is called and every signal is
 /// emitted in the thread that made it.
+///
+/// From within a slot of one of these signals, or a call to one of its objects, a host may turn an event
+/// loop, change the overlay, load a profile, switch the interface, or destroy the Runner. While the call is
+/// made for a frame, the frames behind it wait until it returns; docs/integration.md tells the rest.
 class VARUNDO_EXPORT Runner : public QObject
 {
     Q_OBJECT
@@ -60,8 +65,9 @@ public:
     /// How often empty texts are removed from the overlay.
     static constexpr int CleanUpIntervalMs = 200;
 
-    /// The three host objects are not owned and must outlive the Runner. One that is null is done without:
-    /// the overlay then does not show what it would have changed.
+    /// The three host objects are not owned, and the back-end must outlive the Runner. One that is null is
+    /// done without: the overlay then does not show what it would have changed. So is a manager or an
+    /// accessor that goes before the Runner.
     Runner(Tolvar::VideoOverlay::CVideoOverlayControlBackend* controlBackend,
            Mavril::VideoOverlay::CVideoOverlayManager* overlayManager,
            ZelVideoOverlayElementAccessor* elementAccessor, QObject* parent = nullptr);
@@ -155,32 +161,42 @@ public:
 private:
     struct ElementBinding;
     struct StatusLineBinding;
+    struct ElementState;
+    struct ReadElement;
+    struct NewText;
 
-    void bindTextElement(Mavril::VideoOverlay::CVideoOverlayText* element);
-    void bindElement(Mavril::VideoOverlay::CVideoOverlayText* element, const ElementBinding& binding);
-    void takeOver(const Mavril::VideoOverlay::CVideoOverlayText* element, const ElementBinding& binding);
+    void followCursor();
+    void bindProfile();
+    static const ElementBinding* elementBinding(const QString& column);
+    static const StatusLineBinding* statusLineBinding(int staticId);
+    static QVector<ReadElement>
+    readElements(const QPointer<Mavril::VideoOverlay::CVideoOverlayManager>& manager);
+    void bindElement(const ElementState& state, const ElementBinding& binding);
     void follow(const ElementBinding& binding);
-    void bindStatusLine(const Mavril::VideoOverlay::CVideoOverlayText* element,
-                        const StatusLineBinding& binding);
+    void followUnit();
+    void bindStatusLine(const ElementState& state, const StatusLineBinding& binding);
     void followVisibility(void (DataManager::*changed)(QString const&, bool));
     void followColors(void (DataManager::*changed)(QString const&, ColorPair const&));
 
     void writeLine(int line, const QString& text);
     void writeTextOnCursorPosition(const QString& text);
-    Mavril::VideoOverlay::CVideoOverlayText* createTextAtCursor();
+    bool makeText(const NewText& wanted);
     Mavril::VideoOverlay::CVideoOverlayText* customTextAt(const QPoint& position) const;
+    void deleteCustomText(Mavril::VideoOverlay::CVideoOverlayText* text);
     void forgetCustomText(Mavril::VideoOverlay::CVideoOverlayElement* element);
 
     Tolvar::VideoOverlay::CVideoOverlayControlBackend* m_controlBackend;
-    Mavril::VideoOverlay::CVideoOverlayManager* m_overlayManager;
-    ZelVideoOverlayElementAccessor* m_elementAccessor;
+    QPointer<Mavril::VideoOverlay::CVideoOverlayManager> m_overlayManager;
+    QPointer<ZelVideoOverlayElementAccessor> m_elementAccessor;
 
     DataManager* m_dataManager = nullptr;
     SelectedInterface m_interface = Serial;
     QMetaObject::Connection m_cursorConnection;
     bool m_entryContinues = false; // the next typed character is appended to the text at the cursor
-    QVector<QPointer<Mavril::VideoOverlay::CVideoOverlayText>>
-        m_customTexts; // in order of creation, not owned
+    quint32 m_profile = 0;         // counts the profiles that came and went; wraps
+    using Texts = QVector<QPointer<Mavril::VideoOverlay::CVideoOverlayText>>;
+    Texts m_customTexts;     // in order of creation, not owned
+    Texts m_unfinishedTexts; // still being made, and not yet among them: nobody takes one for an empty text
 
     SerialAdaptor* m_serialAdaptor = nullptr; // never deleted
     TcpServer* m_tcpServer = nullptr;         // never deleted
