@@ -16,6 +16,11 @@ install(FILES
     "${PROJECT_BINARY_DIR}/VarundoServerConfigVersion.cmake"
   DESTINATION "${package_dir}" COMPONENT Development)
 
+# Every host calls the platform itself. An external one is the host's to link.
+set(pkgconfig_libs "-lvarundoserver")
+if(VARUNDO_PLATFORM STREQUAL "reference")
+  string(APPEND pkgconfig_libs " -lvarundoplatform")
+endif()
 configure_file(cmake/varundoserver.pc.in "${PROJECT_BINARY_DIR}/varundoserver.pc" @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/varundoserver.pc"
   DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT Development)

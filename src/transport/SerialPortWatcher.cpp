@@ -6,6 +6,7 @@
 
 #include <utility>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 
 namespace Tolvar::Varundo {
@@ -22,12 +23,13 @@ struct Adapter
 constexpr Adapter adaptersByPreference[] = {{"ttyUSB1", "/dev/ttyUSB1"}, {"ttyUSB0", "/dev/ttyUSB0"}};
 
 /// Tells one node from a later one of the same name; 0 when there is none. The kernel is asked without Qt
-/// between: a look may fall into the end of the process, when Qt's globals are no longer to be used.
+/// between: a look may fall into the end of the process, when Qt's globals are no longer to be used. And by
+/// statx(), since where time stamps have 32 bits stat() fails for a node that is dated after 2038.
 quint64 nodeIdentity(const char* node)
 {
-    struct stat found
+    struct statx found
     {};
-    return stat(node, &found) == 0 ? static_cast<quint64>(found.st_ino) : 0;
+    return statx(AT_FDCWD, node, AT_NO_AUTOMOUNT, STATX_INO, &found) == 0 ? found.stx_ino : 0;
 }
 
 /// Null when there is no adapter.

@@ -116,6 +116,11 @@ int main(int argc, char** argv)
     } else {
         std::fprintf(stderr, "isolate: no namespaces here (%s)\n", std::strerror(errno));
     }
+    if (std::getenv("VARUNDO_TEST_REQUIRE_ISOLATION") != nullptr && isolation != "net,dev") {
+        std::fprintf(stderr, "isolate: this machine permits only '%s', and all of it is required\n",
+                     isolation.c_str());
+        return 1;
+    }
     setenv("VARUNDO_TEST_ISOLATION", isolation.c_str(), 1);
     execv(argv[1], argv + 1);
     std::fprintf(stderr, "isolate: cannot run %s: %s\n", argv[1], std::strerror(errno));
