@@ -2,22 +2,49 @@
 
 #include "TransportLog.h"
 
+#include <QObject>
 #include <QScopedValueRollback>
 
 #include <utility>
 
 namespace Tolvar::Varundo {
 
+FrameReader::Call::Call(FrameReader& reader)
+    : m_reader(reader.shared_from_this())
+{
+    ++m_reader->m_calls;
+}
+
+FrameReader::Call::~Call()
+{
+    if (--m_reader->m_calls == 0 && m_reader->m_orphanedDevice) {
+        m_reader->m_orphanedDevice->deleteLater();
+    }
+}
+
+void FrameReader::transportDestroyed(QObject* device)
+{
+    constexpr const char* complaint =
+        "a transport is destroyed in a slot of its own signal; use deleteLater()";
+    Q_ASSERT_X(m_calls == 0, "Tolvar::Varundo::FrameReader", complaint);
+    if (m_calls > 0) {
+        qCCritical(transportLog, "%s", complaint);
+        device->setParent(nullptr);
+        m_orphanedDevice = device;
+    }
+}
+
 void FrameReader::process()
 {
     if (m_processing) {
         return;
     }
+    const Call call(*this);
     const QScopedValueRollback<bool> processing(m_processing, true);
 
-    while (!isBehind()) {
+    while (wantsMore()) {
         const bool newRead = m_rest.isEmpty();
-        const QByteArray bytes = newRead ? readAvailable() : std::exchange(m_rest, QByteArray());
+        const QByteArray bytes = newRead ? nextRead() : std::exchange(m_rest, QByteArray());
         if (bytes.isEmpty()) {
             return;
         }
@@ -31,6 +58,32 @@ void FrameReader::process()
             m_rest = bytes.mid(static_cast<int>(used));
         }
     }
+}
+
+void FrameReader::frameAccepted(const CommandMessage& message)
+{
+    if (!isOrphaned()) {
+        onFrameAccepted(message);
+    }
+}
+
+void FrameReader::frameRejected()
+{
+    if (!isOrphaned()) {
+        onFrameRejected();
+    }
+}
+
+void FrameReader::printableByte(quint8 byte)
+{
+    if (!isOrphaned()) {
+        onPrintableByte(byte);
+    }
+}
+
+QByteArray FrameReader::nextRead()
+{
+    return m_lastWords.isEmpty() ? readAvailable() : std::exchange(m_lastWords, QByteArray());
 }
 
 } // namespace Tolvar::Varundo

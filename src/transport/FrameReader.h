@@ -5,6 +5,10 @@
 
 #include <QByteArray>
 
+#include <memory>
+
+class QObject;
+
 namespace Tolvar::Varundo {
 
 /// The reading half of a transport: takes what its device has received, has it decoded, and holds back while
@@ -12,9 +16,23 @@ namespace Tolvar::Varundo {
 ///
 /// Holding back is what bounds memory: a few bytes of request can ask for a large answer, so even the rest of
 /// a read that was taken from the device already waits until the replies have gone.
-class FrameReader
+class FrameReader : public std::enable_shared_from_this<FrameReader>
 {
 public:
+    /// Stands while the transport calls its listeners. Who destroys the transport from in there must not take
+    /// the reader along.
+    class Call
+    {
+    public:
+        explicit Call(FrameReader& reader);
+        ~Call();
+        Call(const Call&) = delete;
+        Call& operator=(const Call&) = delete;
+
+    private:
+        std::shared_ptr<FrameReader> m_reader;
+    };
+
     FrameReader() = default;
     virtual ~FrameReader() = default;
     FrameReader(const FrameReader&) = delete;
@@ -25,26 +43,45 @@ public:
     /// takes everything up.
     void process();
 
+    /// Whether process() has been called and has not returned: what it calls is still at work.
+    bool isProcessing() const { return m_processing; }
+
+    /// To be called when the transport is destroyed. That must not happen while a call stands; if it does all
+    /// the same, the transport is asked nothing any more, and its device goes when the call has returned.
+    void transportDestroyed(QObject* device);
+    bool isOrphaned() const { return m_orphanedDevice; }
+
     /// Gives up what is held back.
     void discardRest() { m_rest.clear(); }
+
+    /// Takes the bytes of a device that is about to go; they are acted upon like any others, before whatever
+    /// the next one brings.
+    void leave(const QByteArray& lastWords) { m_lastWords += lastWords; }
 
     const FrameCounters& counters() const { return m_decoder.counters(); }
 
 protected:
     virtual QByteArray readAvailable() = 0; ///< one read of the device; empty when it has nothing
     virtual bool isBehind() const = 0;      ///< whether too many replies wait to be taken
-    virtual void frameAccepted(const CommandMessage& message) = 0;
-    virtual void frameRejected() = 0;
-    virtual void printableByte(quint8 byte) = 0;
+    virtual void onFrameAccepted(const CommandMessage& message) = 0;
+    virtual void onFrameRejected() = 0;
+    virtual void onPrintableByte(quint8 byte) = 0;
 
 private:
     friend class FrameDecoder;
+    void frameAccepted(const CommandMessage& message);
+    void frameRejected();
+    void printableByte(quint8 byte);
     void byteDiscarded(quint8) {} // the decoder's counter is all that is kept of it
-    bool wantsMore() const { return !isBehind(); }
+    bool wantsMore() const { return !isOrphaned() && !isBehind(); }
+    QByteArray nextRead();
 
     FrameDecoder m_decoder;
-    QByteArray m_rest; // of a read, held back; what the device has received since comes after it
+    QByteArray m_rest;      // of a read, held back; what the device has received since comes after it
+    QByteArray m_lastWords; // of devices that have gone since
     bool m_processing = false;
+    int m_calls = 0;
+    QObject* m_orphanedDevice = nullptr;
 };
 
 } // namespace Tolvar::Varundo

@@ -45,15 +45,15 @@ private:
         return m_adaptor.m_serialPort->isOpen() && m_adaptor.m_serialPort->bytesToWrite() >= MaxUnsentBytes;
     }
 
-    void frameAccepted(const CommandMessage& message) override
+    void onFrameAccepted(const CommandMessage& message) override
     {
         m_adaptor.sendACK();
         emit m_adaptor.receivedValidMessage(message);
     }
 
-    void frameRejected() override { m_adaptor.sendNACK(); }
+    void onFrameRejected() override { m_adaptor.sendNACK(); }
 
-    void printableByte(quint8 byte) override
+    void onPrintableByte(quint8 byte) override
     {
         emit m_adaptor.printableCharReceived(static_cast<char>(byte));
     }
@@ -64,7 +64,7 @@ private:
 SerialAdaptor::SerialAdaptor(QString portName, QObject* parent)
     : QObject(parent)
     , m_serialPort(new QSerialPort(this))
-    , m_reader(std::make_unique<Reader>(*this))
+    , m_reader(std::make_shared<Reader>(*this))
     , m_baudrate(Protocol::DefaultBaudrate)
 {
     connect(m_serialPort, &QSerialPort::readyRead, this, &SerialAdaptor::handleReadyRead);
@@ -88,6 +88,7 @@ SerialAdaptor::~SerialAdaptor()
 {
     stopWatcher();
     m_serialPort->disconnect(this);
+    m_reader->transportDestroyed(m_serialPort);
 }
 
 /// Everything between the watcher and the adaptor crosses a thread, and is queued by that.
@@ -141,6 +142,7 @@ void SerialAdaptor::handleReadyRead()
 void SerialAdaptor::handleError(int error)
 {
     if (error != QSerialPort::NoError) {
+        const FrameReader::Call call(*m_reader);
         emit serialPortError(m_serialPort->errorString());
     }
 }
@@ -179,7 +181,7 @@ void SerialAdaptor::closeSerialPort()
 {
     // A device that closeIfGone() has closed already would only complain.
     if (m_serialPort->isOpen() || !m_portOpen) {
-        m_serialPort->close();
+        closeDevice();
     }
     m_portOpen = false;
     m_reader->process(); // replies have nowhere to go any more; commands that were held back are carried out
@@ -204,12 +206,14 @@ void SerialAdaptor::setBaudrate(int baudrate)
 
 void SerialAdaptor::onPortError(int error)
 {
-    handleError(error);
     if (error != QSerialPort::NoError && m_serialPort->isOpen()) {
         ++m_errorsInARow;
-        // Not from within the port's own signal: closing deletes the notifier that is being served.
+        // Not from within the port's own signal: closing deletes the notifier that is being served. And
+        // before anybody is told, whose event loop would see to it that the next error is told within this
+        // one.
         QMetaObject::invokeMethod(this, &SerialAdaptor::closeIfGone, Qt::QueuedConnection);
     }
+    handleError(error);
 }
 
 /// An adapter that was pulled makes its open port report errors without end, at full load, until the
@@ -223,8 +227,18 @@ void SerialAdaptor::closeIfGone()
     }
     qCWarning(transportLog, "%s no longer answers; closed until the adapter has been away and come back",
               qPrintable(m_serialPort->portName()));
-    m_serialPort->close();
+    closeDevice();
     m_reader->process();
+}
+
+/// Closing throws away what was received and not read yet: while a frame is acted upon, and while replies
+/// wait, that is the next frames.
+void SerialAdaptor::closeDevice()
+{
+    if (m_serialPort->isOpen()) {
+        m_reader->leave(m_serialPort->readAll());
+    }
+    m_serialPort->close();
 }
 
 void SerialAdaptor::write(const QByteArray& bytes)

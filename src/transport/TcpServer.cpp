@@ -19,15 +19,9 @@ public:
         : m_server(server)
     {}
 
-    /// Bytes of a client that has left; they are acted upon like any others.
-    void leave(const QByteArray& lastWords) { m_lastWords += lastWords; }
-
 private:
     QByteArray readAvailable() override
     {
-        if (!m_lastWords.isEmpty()) {
-            return std::exchange(m_lastWords, QByteArray());
-        }
         QTcpSocket* const client = m_server.client();
         return client ? client->readAll() : QByteArray();
     }
@@ -38,24 +32,26 @@ private:
         return client && client->bytesToWrite() >= MaxUnsentBytes;
     }
 
-    void frameAccepted(const CommandMessage& message) override
+    void onFrameAccepted(const CommandMessage& message) override
     {
         m_server.sendACK();
         emit m_server.receivedValidMessage(message);
     }
 
-    void frameRejected() override { m_server.sendNACK(); }
+    void onFrameRejected() override { m_server.sendNACK(); }
 
-    void printableByte(quint8 byte) override { emit m_server.printableCharReceived(static_cast<char>(byte)); }
+    void onPrintableByte(quint8 byte) override
+    {
+        emit m_server.printableCharReceived(static_cast<char>(byte));
+    }
 
     TcpServer& m_server;
-    QByteArray m_lastWords;
 };
 
 TcpServer::TcpServer(QObject* parent)
     : QObject(parent)
     , m_server(new QTcpServer(this))
-    , m_reader(std::make_unique<Reader>(*this))
+    , m_reader(std::make_shared<Reader>(*this))
     , m_listeningPort(Protocol::DefaultTcpPort)
 {
     // Taken one at a time and after the signal, so that QTcpServer never looks for a connection when nobody
@@ -74,6 +70,7 @@ TcpServer::~TcpServer()
     for (QTcpSocket* const socket : sockets) {
         socket->disconnect(this);
     }
+    m_reader->transportDestroyed(m_server);
 }
 
 const FrameCounters& TcpServer::frameCounters() const
@@ -101,9 +98,8 @@ void TcpServer::newConnection()
     socket->setReadBufferSize(MaxUnreadBytes);
 
     connect(socket, &QTcpSocket::disconnected, this, [this, socket] { onDisconnected(socket); });
-    connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
     connect(socket, &QTcpSocket::readyRead, this, &TcpServer::onReadyRead);
-    connect(socket, &QTcpSocket::bytesWritten, this, [this] { m_reader->process(); });
+    connect(socket, &QTcpSocket::bytesWritten, this, [this] { process(); });
     qCDebug(transportLog) << "client" << socket->peerAddress() << socket->peerPort() << "connected";
 }
 
@@ -114,7 +110,7 @@ void TcpServer::onReadyRead()
         sendNACK();
         return;
     }
-    m_reader->process();
+    process();
 }
 
 void TcpServer::sendACK()
@@ -170,7 +166,9 @@ void TcpServer::onDisconnected(QTcpSocket* socket)
 {
     qCDebug(transportLog) << "client" << socket->peerAddress() << socket->peerPort() << "disconnected";
     m_olderClients.removeOne(socket);
+    m_departedClients.append(socket);
     if (socket != m_client) {
+        deleteDeparted();
         return;
     }
     m_client = nullptr;
@@ -178,7 +176,30 @@ void TcpServer::onDisconnected(QTcpSocket* socket)
     if (socket->isOpen()) {
         m_reader->leave(socket->readAll());
     }
-    m_reader->process();
+    process();
+}
+
+void TcpServer::process()
+{
+    const std::shared_ptr<Reader> reader = m_reader;
+    reader->process();
+    if (!reader->isOrphaned()) {
+        deleteDeparted();
+    }
+}
+
+/// A client may go while a frame of its own is still acted upon, by a host that turns an event loop
+/// meanwhile. That loop would delete the very socket whose signal has not returned yet, so it is kept until
+/// it has.
+void TcpServer::deleteDeparted()
+{
+    if (m_reader->isProcessing()) {
+        return;
+    }
+    const auto sockets = std::exchange(m_departedClients, {});
+    for (QTcpSocket* const socket : sockets) {
+        socket->deleteLater();
+    }
 }
 
 /// The server stops accepting after an error, such as too many open files, and nobody but us starts it again.

@@ -20,6 +20,9 @@ namespace Tolvar::Varundo {
 ///
 /// Lives in the host's event-loop thread. Its watcher lives in a thread that the adaptor owns; the destructor
 /// stops that thread and waits for it.
+///
+/// A slot of its signals may turn an event loop: what arrives meanwhile waits until the slot returns. To
+/// destroy the adaptor from within one, use deleteLater().
 class VARUNDO_EXPORT SerialAdaptor : public QObject
 {
     Q_OBJECT
@@ -68,10 +71,11 @@ private:
     void stopWatcher();
     void onPortError(int error);
     void closeIfGone();
+    void closeDevice();
     void write(const QByteArray& bytes);
 
     QSerialPort* m_serialPort;
-    std::unique_ptr<Reader> m_reader;
+    std::shared_ptr<Reader> m_reader; // kept by who is in it
     bool m_portOpen =
         false; // the watcher's view: a device that is gone counts as open until the watcher says so
     int m_errorsInARow = 0;

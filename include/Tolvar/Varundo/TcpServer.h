@@ -25,6 +25,9 @@ namespace Tolvar::Varundo {
 /// disconnected is no client; replies are then dropped.
 ///
 /// What peers can make it hold is bounded by the constants below. Lives in the host's event-loop thread.
+///
+/// A slot of its signals may turn an event loop: what arrives meanwhile waits until the slot returns. To
+/// destroy the server from within one, use deleteLater().
 class VARUNDO_EXPORT TcpServer : public QObject
 {
     Q_OBJECT
@@ -70,15 +73,18 @@ private:
     void listen();
     void retire(QTcpSocket* older);
     void onDisconnected(QTcpSocket* socket);
+    void process();
+    void deleteDeparted();
     void onAcceptError();
     QTcpSocket* client() const;
     void send(const QByteArray& bytes);
 
     QTcpServer* m_server;
     QPointer<QTcpSocket> m_client;
-    QVector<QTcpSocket*> m_olderClients; // oldest first
-    std::unique_ptr<Reader> m_reader;
-    bool m_acceptFailed = false; // and was told; until the next connection
+    QVector<QTcpSocket*> m_olderClients;    // oldest first
+    QVector<QTcpSocket*> m_departedClients; // to be deleted
+    std::shared_ptr<Reader> m_reader;       // kept by who is in it
+    bool m_acceptFailed = false;            // and was told; until the next connection
     int m_listeningPort;
 };
 
