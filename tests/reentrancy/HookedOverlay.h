@@ -97,8 +97,8 @@ private:
     QMutex& m_mutex;
 };
 
-/// A host's overlay: deletes its elements at once, as the harshest host may, and takes its mutex where a host
-/// would.
+/// A host's overlay: deletes its elements at once, as the harshest host may, unless it is told otherwise, and
+/// takes its mutex where a host would.
 class HookedManager : public Mavril::VideoOverlay::CVideoOverlayManager
 {
 public:
@@ -168,7 +168,11 @@ public:
             const OverlayLock lock(m_mutex);
             m_elements.removeAll(element);
         }
-        delete element;
+        if (deletesLater) {
+            element->deleteLater();
+        } else {
+            delete element;
+        }
     }
 
     void load()
@@ -222,6 +226,7 @@ public:
     [[nodiscard]] QList<Element*> elements() const { return m_elements; }
 
     bool makesTexts = true;
+    bool deletesLater = false; ///< off the list at once, deleted by the event loop
 
 private:
     void addToProfile(const QString& parameter, const QString& value)
