@@ -144,17 +144,25 @@ void Runner::start()
     m_tcpServer = new TcpServer(nullptr);
 
     // Which interface is selected is asked each time, so that a change takes effect at once.
+    const auto isSelected = [this](SelectedInterface road) {
+        if (m_interface != road) {
+            qCDebug(runnerLog) << "not acted upon: it came over" << road << "and" << m_interface
+                               << "is selected";
+        }
+        return m_interface == road;
+    };
     connect(m_serialAdaptor, &SerialAdaptor::receivedValidMessage, this,
-            [this](const CommandMessage& message) {
-                if (m_interface == Serial) {
+            [this, isSelected](const CommandMessage& message) {
+                if (isSelected(Serial)) {
                     m_commandParser->onCommandMessageReceived(message);
                 }
             });
-    connect(m_tcpServer, &TcpServer::receivedValidMessage, this, [this](const CommandMessage& message) {
-        if (m_interface == Tcp) {
-            m_commandParser->onCommandMessageReceived(message);
-        }
-    });
+    connect(m_tcpServer, &TcpServer::receivedValidMessage, this,
+            [this, isSelected](const CommandMessage& message) {
+                if (isSelected(Tcp)) {
+                    m_commandParser->onCommandMessageReceived(message);
+                }
+            });
 
     connect(m_commandParser, &CommandParser::parsedExecuteCommand, m_executeCommandParser,
             &ExecuteCommandParser::parseCommandMessage);
@@ -172,13 +180,14 @@ void Runner::start()
                 }
             });
 
-    connect(m_serialAdaptor, &SerialAdaptor::printableCharReceived, this, [this](char printableChar) {
-        if (m_interface == Serial) {
-            onPrintableCharReceived(printableChar);
-        }
-    });
-    connect(m_tcpServer, &TcpServer::printableCharReceived, this, [this](char printableChar) {
-        if (m_interface == Tcp) {
+    connect(m_serialAdaptor, &SerialAdaptor::printableCharReceived, this,
+            [this, isSelected](char printableChar) {
+                if (isSelected(Serial)) {
+                    onPrintableCharReceived(printableChar);
+                }
+            });
+    connect(m_tcpServer, &TcpServer::printableCharReceived, this, [this, isSelected](char printableChar) {
+        if (isSelected(Tcp)) {
             onPrintableCharReceived(printableChar);
         }
     });

@@ -9,6 +9,7 @@
 
 #include <QFontMetrics>
 
+#include <algorithm>
 #include <utility>
 
 namespace Tolvar::Varundo {
@@ -79,33 +80,54 @@ void Runner::onPrintableCharReceived(char printableChar)
 
 void Runner::clearCustomElements()
 {
-    const QPointer<Runner> self(this);
-    const auto texts = m_customTexts; // each deletion takes its element off the list
-    for (const auto& text : texts) {
-        if (self && text) {
-            deleteCustomText(text);
-        }
-    }
+    deleteCustomTexts([](const CVideoOverlayText&) { return true; });
 }
 
 void Runner::clearEmptyTexts()
 {
+    deleteCustomTexts([](const CVideoOverlayText& text) { return text.text().trimmed().isEmpty(); });
+}
+
+/// Each deletion takes its element off the list; while they go on, its place is kept, so that neither the
+/// next one's has to be searched for nor all behind it have to move. A controller may have made a hundred
+/// thousand.
+void Runner::deleteCustomTexts(bool (*isToGo)(const CVideoOverlayText& text))
+{
     const QPointer<Runner> self(this);
-    const auto texts = m_customTexts; // each deletion takes its element off the list
+    const auto texts = m_customTexts;
+    const bool withinAnother = std::exchange(m_keepPlaces, true);
     bool anyGone = false;
     for (const auto& text : texts) {
-        if (!text) {
-            anyGone = true; // deleted by the host without a word
-        } else if (text->text().trimmed().isEmpty() && self && text) {
-            deleteCustomText(text);
+        anyGone = anyGone || !text; // deleted by the host without a word
+        // One that has gone from the list meanwhile was deleted by somebody else.
+        if (text && isToGo(*text) && self && text && m_overlayManager && placeOfCustomText(text) >= 0) {
+            anyGone = true;
+            m_overlayManager->deleteElementFromModel(text);
         }
         if (!self) {
             return;
         }
     }
-    if (anyGone) {
+    m_keepPlaces = withinAnother;
+    if (anyGone && !withinAnother) {
         m_customTexts.removeAll(nullptr);
     }
+}
+
+/// -1 if it is not on the list. Searched from where the last one was found, since they are asked for in
+/// order.
+int Runner::placeOfCustomText(const CVideoOverlayText* text)
+{
+    const auto searched = [&](int from, int to) {
+        const auto begin = m_customTexts.constBegin();
+        const auto found = std::find(begin + from, begin + to, text);
+        return found == begin + to ? -1 : static_cast<int>(found - begin);
+    };
+    const int hint = qMin(m_lastPlace, m_customTexts.size());
+    const int ahead = searched(hint, m_customTexts.size());
+    const int place = ahead >= 0 ? ahead : searched(0, hint);
+    m_lastPlace = qMax(place, 0);
+    return place;
 }
 
 /// Whether the overlay manager made one. A text that goes while it is being made is not kept; one whose
@@ -153,19 +175,18 @@ CVideoOverlayText* Runner::customTextAt(const QPoint& position) const
     return nullptr;
 }
 
-/// One that has gone from the list meanwhile was deleted by somebody else.
-void Runner::deleteCustomText(CVideoOverlayText* text)
-{
-    if (m_overlayManager && m_customTexts.contains(text)) {
-        m_overlayManager->deleteElementFromModel(text);
-    }
-}
-
 void Runner::forgetCustomText(CVideoOverlayElement* element)
 {
-    if (auto* const text = qobject_cast<CVideoOverlayText*>(element)) {
-        m_customTexts.removeOne(text);
-        m_unfinishedTexts.removeOne(text);
+    auto* const text = qobject_cast<CVideoOverlayText*>(element);
+    if (!text) {
+        return;
+    }
+    m_unfinishedTexts.removeOne(text);
+    const int place = placeOfCustomText(text);
+    if (place >= 0 && m_keepPlaces) {
+        m_customTexts[place] = nullptr;
+    } else if (place >= 0) {
+        m_customTexts.removeAt(place);
     }
 }
 

@@ -42,21 +42,43 @@ void FrameReader::process()
     const Call call(*this);
     const QScopedValueRollback<bool> processing(m_processing, true);
 
+    m_turn.start();
     while (wantsMore()) {
         const bool newRead = m_rest.isEmpty();
         const QByteArray bytes = newRead ? nextRead() : std::exchange(m_rest, QByteArray());
         if (bytes.isEmpty()) {
             return;
         }
-        const quint64 discarded = counters().discardedBytes;
+        const FrameCounters before = counters();
         const qsizetype used = newRead ? m_decoder.decode(bytes.constData(), bytes.size(), *this)
                                        : m_decoder.resume(bytes.constData(), bytes.size(), *this);
-        if (counters().discardedBytes != discarded) {
-            qCDebug(transportLog, "%llu bytes discarded", counters().discardedBytes - discarded);
-        }
+        tellOfLosses(before);
         if (used < bytes.size()) {
             m_rest = bytes.mid(static_cast<int>(used));
         }
+    }
+    if (!isOrphaned() && m_turn.hasExpired(MaxTurnMs)) {
+        callAgain();
+    }
+}
+
+void FrameReader::leave(const QByteArray& lastWords)
+{
+    if (m_lastWords.size() + lastWords.size() > MaxLastWordsBytes) {
+        qCDebug(transportLog, "%d bytes of a device that has gone are given up", lastWords.size());
+        return;
+    }
+    m_lastWords += lastWords;
+}
+
+void FrameReader::tellOfLosses(const FrameCounters& before) const
+{
+    const FrameCounters& now = counters();
+    if (now.rejected != before.rejected || now.dropped != before.dropped ||
+        now.discardedBytes != before.discardedBytes) {
+        qCDebug(transportLog, "%llu frames rejected, %llu dropped without a reply, %llu bytes discarded",
+                now.rejected - before.rejected, now.dropped - before.dropped,
+                now.discardedBytes - before.discardedBytes);
     }
 }
 

@@ -4,6 +4,7 @@
 #include <Tolvar/Varundo/FrameCodec.h>
 
 #include <QByteArray>
+#include <QElapsedTimer>
 
 #include <memory>
 
@@ -15,10 +16,16 @@ namespace Tolvar::Varundo {
 /// the other end does not take its replies. Owned by a transport, which supplies the device by overriding.
 ///
 /// Holding back is what bounds memory: a few bytes of request can ask for a large answer, so even the rest of
-/// a read that was taken from the device already waits until the replies have gone.
+/// a read that was taken from the device already waits until the replies have gone. And what a read asks for
+/// may take long, so after a while the host's event loop has its turn first.
 class FrameReader : public std::enable_shared_from_this<FrameReader>
 {
 public:
+    /// So long, and the frame that is being acted upon then, the event loop is kept waiting.
+    static constexpr int MaxTurnMs = 20;
+    /// What is kept of the bytes of devices that have gone while a frame was acted upon.
+    static constexpr int MaxLastWordsBytes = 65536;
+
     /// Stands while the transport calls its listeners. Who destroys the transport from in there must not take
     /// the reader along.
     class Call
@@ -38,9 +45,9 @@ public:
     FrameReader(const FrameReader&) = delete;
     FrameReader& operator=(const FrameReader&) = delete;
 
-    /// Reads and decodes until nothing is left or the other end is behind. To be called when bytes have
-    /// arrived and when replies have gone. A call from within an outcome returns at once; the outer call
-    /// takes everything up.
+    /// Reads and decodes until nothing is left, the other end is behind, or the turn is over; in the last
+    /// case it asks for another turn. To be called when bytes have arrived and when replies have gone. A call
+    /// from within an outcome returns at once; the outer call takes everything up.
     void process();
 
     /// Whether process() has been called and has not returned: what it calls is still at work.
@@ -56,13 +63,14 @@ public:
 
     /// Takes the bytes of a device that is about to go; they are acted upon like any others, before whatever
     /// the next one brings.
-    void leave(const QByteArray& lastWords) { m_lastWords += lastWords; }
+    void leave(const QByteArray& lastWords);
 
     const FrameCounters& counters() const { return m_decoder.counters(); }
 
 protected:
     virtual QByteArray readAvailable() = 0; ///< one read of the device; empty when it has nothing
     virtual bool isBehind() const = 0;      ///< whether too many replies wait to be taken
+    virtual void callAgain() = 0;           ///< process(), when the event loop has had its turn
     virtual void onFrameAccepted(const CommandMessage& message) = 0;
     virtual void onFrameRejected() = 0;
     virtual void onPrintableByte(quint8 byte) = 0;
@@ -73,12 +81,14 @@ private:
     void frameRejected();
     void printableByte(quint8 byte);
     void byteDiscarded(quint8) {} // the decoder's counter is all that is kept of it
-    bool wantsMore() const { return !isOrphaned() && !isBehind(); }
+    bool wantsMore() const { return !isOrphaned() && !isBehind() && !m_turn.hasExpired(MaxTurnMs); }
     QByteArray nextRead();
+    void tellOfLosses(const FrameCounters& before) const;
 
     FrameDecoder m_decoder;
     QByteArray m_rest;      // of a read, held back; what the device has received since comes after it
     QByteArray m_lastWords; // of devices that have gone since
+    QElapsedTimer m_turn;
     bool m_processing = false;
     int m_calls = 0;
     QObject* m_orphanedDevice = nullptr;

@@ -8,6 +8,7 @@
 #include <QCoreApplication>
 #include <QSerialPort>
 #include <QSerialPortInfo>
+#include <QTimer>
 
 #include <poll.h>
 
@@ -23,6 +24,13 @@ bool hasHungUp(int handle)
 {
     pollfd device{handle, 0, 0};
     return poll(&device, 1, 0) > 0; // hang-up, error and bad descriptor are reported unasked
+}
+
+/// What a broken line reports, as opposed to a setting that it refuses.
+bool isOfTheLine(int error)
+{
+    return error == QSerialPort::ReadError || error == QSerialPort::WriteError ||
+           error == QSerialPort::ResourceError || error == QSerialPort::UnknownError;
 }
 
 } // namespace
@@ -43,6 +51,11 @@ private:
     bool isBehind() const override
     {
         return m_adaptor.m_serialPort->isOpen() && m_adaptor.m_serialPort->bytesToWrite() >= MaxUnsentBytes;
+    }
+
+    void callAgain() override
+    {
+        QTimer::singleShot(0, &m_adaptor, [this] { process(); });
     }
 
     void onFrameAccepted(const CommandMessage& message) override
@@ -142,6 +155,7 @@ void SerialAdaptor::handleReadyRead()
 void SerialAdaptor::handleError(int error)
 {
     if (error != QSerialPort::NoError) {
+        qCDebug(transportLog) << m_serialPort->portName() << m_serialPort->errorString();
         const FrameReader::Call call(*m_reader);
         emit serialPortError(m_serialPort->errorString());
     }
@@ -207,7 +221,7 @@ void SerialAdaptor::setBaudrate(int baudrate)
 void SerialAdaptor::onPortError(int error)
 {
     if (error != QSerialPort::NoError && m_serialPort->isOpen()) {
-        ++m_errorsInARow;
+        m_errorsInARow += isOfTheLine(error) ? 1 : 0;
         // Not from within the port's own signal: closing deletes the notifier that is being served. And
         // before anybody is told, whose event loop would see to it that the next error is told within this
         // one.

@@ -32,6 +32,8 @@ private:
         return client && client->bytesToWrite() >= MaxUnsentBytes;
     }
 
+    void callAgain() override { QTimer::singleShot(0, &m_server, &TcpServer::process); }
+
     void onFrameAccepted(const CommandMessage& message) override
     {
         m_server.sendACK();
@@ -96,6 +98,8 @@ void TcpServer::newConnection()
     // A controller whose cable was cut never says goodbye.
     socket->setSocketOption(QAbstractSocket::KeepAliveOption, 1);
     socket->setReadBufferSize(MaxUnreadBytes);
+    // Else the kernel lets it grow to megabytes, for each of the clients that stay open and never read.
+    socket->setSocketOption(QAbstractSocket::SendBufferSizeSocketOption, KernelSendBufferBytes);
 
     connect(socket, &QTcpSocket::disconnected, this, [this, socket] { onDisconnected(socket); });
     connect(socket, &QTcpSocket::readyRead, this, &TcpServer::onReadyRead);
@@ -149,10 +153,12 @@ void TcpServer::listen()
 }
 
 /// A newer client has come. The older one keeps its connection and takes what was sent to it; what it still
-/// had to say is not read any more.
+/// had to say is not read any more, nor is it carried out if it was held back since it did not read.
 void TcpServer::retire(QTcpSocket* older)
 {
-    m_reader->discardRest();
+    if (older->bytesToWrite() >= MaxUnsentBytes) {
+        m_reader->discardRest();
+    }
     m_olderClients.append(older);
     if (m_olderClients.size() > MaxOlderClients) {
         QTcpSocket* const oldest = m_olderClients.takeFirst();

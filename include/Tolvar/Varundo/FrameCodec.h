@@ -51,7 +51,7 @@ struct FrameCounters
 /// - `void frameRejected()`: send a NACK; called at most once per read.
 /// - `void printableByte(quint8)`: a byte 0x20 to 0xFF outside a frame.
 /// - `void byteDiscarded(quint8)`: a control byte outside a frame; no reply.
-/// - `bool wantsMore()`: asked after each frame; false makes decode() return early.
+/// - `bool wantsMore()`: asked after each frame and each printable byte; false makes decode() return early.
 class FrameDecoder
 {
 public:
@@ -123,6 +123,9 @@ qsizetype FrameDecoder::resume(const char* bytes, qsizetype size, Sink& sink)
                 m_state = State::WaitCmdId;
             } else if (byte >= Protocol::FirstPrintable) {
                 sink.printableByte(byte);
+                if (!sink.wantsMore()) {
+                    return at;
+                }
             } else {
                 ++m_counters.discardedBytes;
                 sink.byteDiscarded(byte);

@@ -182,7 +182,8 @@ private:
     void writeTextOnCursorPosition(const QString& text);
     bool makeText(const NewText& wanted);
     Mavril::VideoOverlay::CVideoOverlayText* customTextAt(const QPoint& position) const;
-    void deleteCustomText(Mavril::VideoOverlay::CVideoOverlayText* text);
+    void deleteCustomTexts(bool (*isToGo)(const Mavril::VideoOverlay::CVideoOverlayText& text));
+    int placeOfCustomText(const Mavril::VideoOverlay::CVideoOverlayText* text);
     void forgetCustomText(Mavril::VideoOverlay::CVideoOverlayElement* element);
 
     Tolvar::VideoOverlay::CVideoOverlayControlBackend* m_controlBackend;
@@ -195,7 +196,9 @@ private:
     bool m_entryContinues = false; // the next typed character is appended to the text at the cursor
     quint32 m_profile = 0;         // counts the profiles that came and went; wraps
     using Texts = QVector<QPointer<Mavril::VideoOverlay::CVideoOverlayText>>;
-    Texts m_customTexts;     // in order of creation, not owned
+    Texts m_customTexts;       // in order of creation, not owned
+    bool m_keepPlaces = false; // of those that are deleted
+    int m_lastPlace = 0;
     Texts m_unfinishedTexts; // still being made, and not yet among them: nobody takes one for an empty text
 
     SerialAdaptor* m_serialAdaptor = nullptr; // never deleted

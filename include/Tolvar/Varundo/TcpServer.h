@@ -38,6 +38,8 @@ public:
     static constexpr qint64 MaxUnsentBytes = 65536;
     /// What a client's connection holds of bytes that were not read yet.
     static constexpr qint64 MaxUnreadBytes = 65536;
+    /// What the kernel holds for a connection beyond that; it takes this for half of what it needs.
+    static constexpr int KernelSendBufferBytes = 131072;
     /// So many older connections stay open beside the current one; the next one closes the oldest.
     static constexpr int MaxOlderClients = 16;
     /// After a failed accept (too many open files) the server tries again so much later.

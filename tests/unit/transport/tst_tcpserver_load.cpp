@@ -11,6 +11,7 @@
 #include <QtTest>
 
 #include <functional>
+#include <utility>
 
 using namespace Tolvar::Varundo;
 using namespace Tolvar::Varundo::Test;
@@ -119,6 +120,11 @@ private slots:
 
     void framesThatArriveInANestedEventLoopWaitTheirTurn();
     void everyFrameMayRunANestedEventLoop();
+
+    void slowFramesLeaveTheEventLoopItsTurns_data();
+    void slowFramesLeaveTheEventLoopItsTurns();
+    void whatWasReadOfAnOlderClientIsCarriedOutInLaterTurns();
+    void lastWordsDuringANestedEventLoopAreBounded();
 };
 
 void TestTcpServerLoad::init()
@@ -421,6 +427,81 @@ void TestTcpServerLoad::everyFrameMayRunANestedEventLoop()
     QVERIFY(client->received() == expected);
     QCOMPARE(server.records(), expectedRecords(0, 100));
     QCOMPARE(deepest, 1);
+}
+
+void TestTcpServerLoad::slowFramesLeaveTheEventLoopItsTurns_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::newRow("frames") << requests(0, 100);
+    QTest::newRow("typed characters") << QByteArray(100, 'x');
+}
+
+/// A read may hold thousands of frames; whoever shares the thread must not wait for all of them.
+void TestTcpServerLoad::slowFramesLeaveTheEventLoopItsTurns()
+{
+    QFETCH(QByteArray, bytes);
+    ObservedTcpServer server;
+    int actions = 0;
+    int most = 0;
+    int inThisTurn = 0;
+    const auto act = [&] {
+        QTest::qSleep(5);
+        ++actions;
+        most = qMax(most, ++inThisTurn);
+    };
+    server.onRecord([&](const CommandMessage&) { act(); });
+    connect(&*server, &TcpServer::printableCharReceived, this, act);
+    QTimer turns;
+    connect(&turns, &QTimer::timeout, this, [&] { inThisTurn = 0; });
+    turns.start(0);
+    const auto client = server.connectClient();
+    QVERIFY(client);
+    client->send(bytes);
+    QTRY_COMPARE(actions, 100);
+    QVERIFY2(most <= 10, qPrintable(QString::number(most))); // 20 ms a turn, and the one that exceeds it
+}
+
+void TestTcpServerLoad::whatWasReadOfAnOlderClientIsCarriedOutInLaterTurns()
+{
+    ObservedTcpServer server;
+    server.onRecord([](const CommandMessage&) { QTest::qSleep(2); });
+    const auto older = server.connectClient();
+    QVERIFY(older);
+    older->send(requests(0, 100));
+    QTRY_VERIFY(!server.records().empty());
+    const auto newer = server.connectClient();
+    QVERIFY(newer);
+    QTRY_COMPARE(server.records(), expectedRecords(0, 100));
+    QTRY_COMPARE(older->received().size() + newer->received().size(),
+                 100); // each acknowledged, to who was served
+}
+
+void TestTcpServerLoad::lastWordsDuringANestedEventLoopAreBounded()
+{
+    ObservedTcpServer server;
+    const auto first = server.connectClient();
+    QVERIFY(first);
+    int left = 0;
+    bool isFirst = true;
+    server.onRecord([&](const CommandMessage&) {
+        if (!std::exchange(isFirst, false)) {
+            return;
+        }
+        for (int i = 0; i < 40; ++i) {
+            const auto visitor = server.connectClient();
+            visitor->send(requests(0, 4000));
+            QTest::qWait(1);
+            visitor->close();
+            left += QTest::qWaitFor([&] { return !visitor->isConnected(); }) ? 1 : 0;
+        }
+        QTest::qWait(20);
+    });
+    first->send(requests(0, 1));
+    QTRY_COMPARE(left, 40);
+    QTest::qWait(200);
+    // Two of forty, since each is 32,000 bytes.
+    QVERIFY2(server.records().size() <= 1 + 2 * 4000, qPrintable(QString::number(server.records().size())));
+    QVERIFY(server.connectClient());
 }
 
 QTEST_GUILESS_MAIN(TestTcpServerLoad)
