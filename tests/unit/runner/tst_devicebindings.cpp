@@ -36,7 +36,9 @@ QStringList runnerWarnings;
 
 void keepRunnerWarnings(QtMsgType type, const QMessageLogContext& context, const QString& message)
 {
-    if (type == QtWarningMsg && qstrcmp(context.category, "varundo.runner") == 0) {
+    // Qt's own too: it complains of connections that cannot be made.
+    if (type == QtWarningMsg &&
+        (qstrcmp(context.category, "varundo.runner") == 0 || qstrcmp(context.category, "default") == 0)) {
         runnerWarnings.append(message);
     }
 }
