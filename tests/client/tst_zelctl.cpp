@@ -58,6 +58,7 @@ private slots:
     void decodeNeedsNoUnit_data();
     void decodeNeedsNoUnit();
     void decodeReadsStandardInput();
+    void decodeReadsTheLargestFrameInOneWord();
     void scriptRunsOnOneConnection();
     void scriptStopsAtTheFirstFailureAndNamesTheLine();
     void scriptKeepsGoingWhenTold();
@@ -528,6 +529,17 @@ void tst_Zelctl::decodeReadsStandardInput()
              QStringLiteral("write meter-counter-1 position 10 2"));
     QCOMPARE(object.value(QLatin1String("fields")).toObject().value(QLatin1String("column")).toInt(), 10);
     QCOMPARE(object.value(QLatin1String("sender")).toString(), QStringLiteral("controller"));
+}
+
+void tst_Zelctl::decodeReadsTheLargestFrameInOneWord()
+{
+    const QByteArray frame = "029802ffff" + QByteArray(65535, 'x').toHex() + "03";
+    const ZelctlRun result =
+        runZelctl({QStringLiteral("--json"), QStringLiteral("decode"), QStringLiteral("-")}, frame);
+    QCOMPARE(result.err, QString());
+    QCOMPARE(result.status, 0);
+    const QJsonObject object = QJsonDocument::fromJson(result.out.toUtf8()).object();
+    QCOMPARE(object.value(QLatin1String("kind")).toString(), QStringLiteral("frame"));
 }
 
 void tst_Zelctl::scriptRunsOnOneConnection()
