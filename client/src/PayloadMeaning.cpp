@@ -7,6 +7,7 @@
 #include <QJsonValue>
 #include <QStringList>
 
+#include <algorithm>
 #include <cmath>
 
 namespace Tolvar::Varundo::Client {
@@ -26,10 +27,26 @@ QJsonValue jsonNumber(float value)
     return jsonNumber(plainNumber(value).toDouble());
 }
 
-/// So that a command line reader gives the same text back: a quote inside is written three times.
+/// A picture of what would end the line: a peer must not be able to begin lines of its own in somebody's log.
+QChar onOneLine(QChar character)
+{
+    constexpr ushort firstPicture = 0x2400; // those of 0x00 to 0x1F, in their order
+    constexpr ushort nextLine = 0x85;
+    const ushort code = character.unicode();
+    if (code >= '\n' && code <= '\r') {
+        return QChar(static_cast<ushort>(firstPicture + code));
+    }
+    const bool endsLine = code == nextLine || character.category() == QChar::Separator_Line ||
+                          character.category() == QChar::Separator_Paragraph;
+    return endsLine ? QChar(QChar::ReplacementCharacter) : character;
+}
+
+/// So that a command line reader gives the same text back: a quote inside is written three times. The end
+/// of a line cannot be typed, and is only shown.
 QString quoted(const QString& text)
 {
     QString inner = text;
+    std::transform(inner.begin(), inner.end(), inner.begin(), onOneLine);
     inner.replace(QLatin1Char('"'), QStringLiteral("\"\"\""));
     return QLatin1Char('"') + inner + QLatin1Char('"');
 }

@@ -63,6 +63,7 @@ void tst_FrameMeaning::framesOfTheControllerReadAsCommandLines_data()
     row(2, 0x62, Build::position(3, 4), "write cursor position 3 4");
     row(2, 0x70, Build::videoCounter(1, 2, 3), "write video-counter value 1 2 3");
     row(2, 0x90, Build::lineText(2, "say \"hi\""), R"(write status-line-2 text "say """hi"""")");
+    row(2, 0x95, "a\nb\r\x85\x02", "write cursor text \"a\u240Ab\u240D\uFFFD\x02\"");
     row(2, 0x92, Build::colors(1, 13), "write free-text colour white blue");
     row(2, 0x95, "A b", "write cursor text \"A b\"");
     row(2, 0x99, Build::numberedColors(4, 10, 0), "write status-line-4 colour red transparent");

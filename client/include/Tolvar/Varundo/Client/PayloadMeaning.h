@@ -19,7 +19,7 @@ struct PayloadMeaning
     int index = -1;     ///< number of the line or element that the payload names, -1 if it names none
     QJsonObject fields; ///< by name; a number that is not finite is null
     QString text;       ///< the plain values, as they would be typed on the command line
-    QString quotedText; ///< the same with texts in quotes
+    QString quotedText; ///< the same on one line: texts in quotes, a picture for what ends a line
 };
 
 [[nodiscard]] ZEL_CLIENT_EXPORT PayloadMeaning payloadMeaning(PayloadKind kind, const QByteArray& payload,
