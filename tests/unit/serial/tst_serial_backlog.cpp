@@ -101,9 +101,13 @@ void TestSerialBacklog::answersThatNobodyReadsAreBoundedAndNoneIsLost()
     int next = 0;
     QElapsedTimer timer;
     timer.start();
-    while (next < count && timer.elapsed() < 60000) {
+    while (next < count && timer.elapsed() < 30000) { // without anything that comes
         sent += adapter.send(requests.mid(sent, 4096));
-        received += adapter.receive(1, 1000);
+        const QByteArray more = adapter.receive(1, 1000);
+        if (!more.isEmpty()) {
+            timer.restart();
+        }
+        received += more;
         const QByteArray reply = '\x06' + encodeFrame(answerTo(request(next)));
         if (received.size() >= reply.size()) {
             QVERIFY2(received.startsWith(reply), qPrintable(QString::number(next)));
