@@ -116,11 +116,11 @@ void TestSerialPlugging::usb2AloneIsNeverOpened()
 
 void TestSerialPlugging::reportsWaitForTheHostsEventLoop()
 {
-    const int before = watcherThreadCount();
+    QTRY_COMPARE(watcherThreadCount(), 0); // the kernel lists a thread for a moment after its end
     PseudoAdapter adapter(Usb1);
     ObservedSerialAdaptor unit;
     QTest::qSleep(LongerThanALookMs); // the watcher looks and reports meanwhile, in its own thread
-    QCOMPARE(watcherThreadCount(), before + 1);
+    QCOMPARE(watcherThreadCount(), 1);
     QVERIFY(!adapter.isOpenedByUnit());
     QCoreApplication::processEvents();
     QVERIFY(adapter.isOpenedByUnit());
