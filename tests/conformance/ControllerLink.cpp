@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
+#include <QElapsedTimer>
 #include <QHostAddress>
 #include <QThread>
 
@@ -16,6 +17,7 @@ namespace {
 
 constexpr int PatienceMs = 10000;
 constexpr int MaxDescriptor = 1024;
+constexpr int LongTurnMs = 10; // half of what the unit takes at most
 
 /// How many bytes wait in a socket, either to be read (FIONREAD) or to reach the other end (TIOCOUTQ).
 int waitingBytes(int socket, unsigned long queue)
@@ -70,15 +72,21 @@ QByteArray ControllerLink::takeReceived()
 
 /// Bytes can be in five places: with us, in either kernel queue, or with the unit, which answers within the
 /// event that brings them. Only we and the unit run in between, in this thread; so when all the queues are
-/// found empty one after the other, in the order in which bytes pass them, nothing is on its way.
+/// found empty one after the other, in the order in which bytes pass them, nothing is on its way. But a unit
+/// that has been at work for long gives others their turn, and goes on in the next one.
 bool ControllerLink::settle()
 {
     const auto ours = static_cast<int>(m_socket.socketDescriptor());
     const QDeadlineTimer deadline(PatienceMs);
     while (!deadline.hasExpired()) {
+        QElapsedTimer turn;
+        turn.start();
         QCoreApplication::processEvents();
         if (!isConnected()) {
             return false;
+        }
+        if (turn.hasExpired(LongTurnMs)) {
+            continue;
         }
         acknowledgeAtOnce(ours);
         acknowledgeAtOnce(m_unitsEnd);
