@@ -35,7 +35,11 @@ constexpr int adapterIsOutMs = 2500; // two looks of the watcher
 constexpr int adapterIsBackMs = 2500;
 constexpr double allowedKiBPerSecond = 1.0;
 // A short run cannot tell a slope from the allocator's last arenas.
-constexpr double allowedNoiseKiB = 1024.0;
+constexpr double allowedNoiseKiB = 1024.0
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+                                   * 50 // a sanitizer keeps freed memory for a while
+#endif
+    ;
 
 void say(const QString& line)
 {
