@@ -11,7 +11,6 @@
 #include <Tolvar/VideoOverlay/CVideoOverlayControlBackend.h>
 
 #include <QByteArray>
-#include <QTemporaryDir>
 #include <QVector>
 
 #include <memory>
@@ -28,6 +27,8 @@ class FuzzedUnit
 {
 public:
     static constexpr int MaxControllers = 24; ///< more than the unit keeps
+    /// More than a socket's buffer has to be taken in parts, and those are reads of their own.
+    static constexpr int LargestRead = 16384;
 
     FuzzedUnit();
     ~FuzzedUnit();
@@ -36,16 +37,26 @@ public:
     /// One read of the unit. Its replies are taken, and must be as they should.
     void send(const QByteArray& bytes);
 
+    /// So many requests by a controller that does not take a single reply before it has sent them all. The
+    /// unit must neither hold more than its bounds meanwhile, nor lose an answer.
+    void flood(quint8 command, quint8 line, int count);
+
+    /// A controller that is not the newest one any more speaks; nobody listens.
+    void sendFromOldest(const QByteArray& bytes);
+
     void connectController(); ///< it is the newest one then
     void disconnectNewest();
 
     void loadProfile(int number);
     void deleteElement(int number);
     void emitReadings(int kind, qint16 value);
+    void setMeasurement(double value); ///< what the sensor, the laser and the reel say when they are asked
+    void letTimeOut();                 ///< whatever text waits to go away
     void setDevicePresent(int which, bool present);
 
     Runner& runner() { return *m_runner; }
 
+    void begin(); ///< an input
     void restore();
 
 private:
@@ -59,12 +70,14 @@ private:
         void setOverlayVisible(bool) override {}
     };
 
+    template <class Condition>
+    void settleUntil(Condition holds, const char* what);
     void settle();
+    void awaitArrival();
     QByteArray received();
     void checkReplies(const std::vector<WireOutcome>& outcomes);
     void checkElements();
 
-    QTemporaryDir m_dir;
     std::optional<FakeDevices> m_devices;
     NoClock m_clock;
     NoBackend m_backend;
@@ -73,6 +86,9 @@ private:
     std::unique_ptr<Runner> m_runner;
     ModelDecoder m_model;
     QVector<int> m_sockets; // the newest is the last
+    int m_unitEnd = -1;     // of the newest one's connection
+    qint64 m_heapBefore = 0;
+    qint64 m_heapKept = 0; // from all inputs so far
 };
 
 } // namespace Tolvar::Varundo::Test

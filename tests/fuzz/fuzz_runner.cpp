@@ -8,7 +8,7 @@
 
 #include <QGuiApplication>
 
-#include <cstdlib>
+#include <cstring>
 
 using namespace Tolvar::Varundo;
 using namespace Tolvar::Varundo::Test;
@@ -20,8 +20,9 @@ FuzzedUnit& unit()
     static int argc = 1;
     static char name[] = "fuzz_runner";
     static char* argv[] = {name, nullptr};
-    static const bool prepared =
-        qputenv("QT_QPA_PLATFORM", "offscreen") && qputenv("QT_LOGGING_RULES", "varundo.*=false");
+    static const bool prepared = qputenv("QT_QPA_PLATFORM", "offscreen") &&
+                                 qputenv("QT_LOGGING_RULES", "varundo.*=false") &&
+                                 qputenv("QT_NO_GLIB", "1"); // an event loop that costs less
     Q_UNUSED(prepared)
     static QGuiApplication application(argc, argv);
     static FuzzedUnit theUnit;
@@ -44,6 +45,30 @@ QByteArray frameOf(FuzzInput& input)
     return frame + payload + '\x03';
 }
 
+void whatTimeDoes(int which, FuzzInput& input, FuzzedUnit& unit)
+{
+    switch (which % 4) {
+    case 0:
+        unit.runner().clearEmptyTexts();
+        break;
+    case 1:
+        unit.letTimeOut();
+        break;
+    case 2: {
+        double value = 0.0;
+        const QByteArray bytes = input.bytes(sizeof value);
+        std::memcpy(&value, bytes.constData(), static_cast<std::size_t>(bytes.size()));
+        unit.setMeasurement(value);
+        break;
+    }
+    default: {
+        const int command = input.byte();
+        const int line = input.byte();
+        unit.flood(static_cast<quint8>(command), static_cast<quint8>(line), input.byte() % 96);
+    }
+    }
+}
+
 void step(FuzzInput& input, FuzzedUnit& unit)
 {
     switch (const int what = input.byte(); what % 16) {
@@ -64,7 +89,11 @@ void step(FuzzInput& input, FuzzedUnit& unit)
         unit.connectController();
         break;
     case 13:
-        unit.connectController();
+        if (what < 128) {
+            unit.connectController();
+        } else {
+            unit.sendFromOldest(input.piece());
+        }
         break;
     case 14: {
         const int kind = input.byte();
@@ -77,7 +106,7 @@ void step(FuzzInput& input, FuzzedUnit& unit)
         break;
     }
     case 15:
-        unit.runner().clearEmptyTexts();
+        whatTimeDoes(what / 16, input, unit);
         break;
     default:
         unit.send(input.piece());
@@ -90,6 +119,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     FuzzedUnit& theUnit = unit();
     FuzzInput input(data, size);
+    theUnit.begin();
     while (!input.isEmpty()) {
         step(input, theUnit);
     }

@@ -11,41 +11,34 @@
 #include "Printer.h"
 
 #include <CApplicationSettings.h>
-#include <Tolvar/Varundo/Client/CommandCatalog.h>
 #include <Tolvar/Varundo/Client/FrameMeaning.h>
-#include <Tolvar/Varundo/Client/PayloadBuilder.h>
 #include <Tolvar/Varundo/Client/ResponseDecoder.h>
 #include <Tolvar/Varundo/Client/TextCodec.h>
 
 #include <QCoreApplication>
+#include <QFile>
+#include <QTemporaryDir>
 
-#include <sys/mman.h>
-#include <unistd.h>
+#include <iterator>
 
 using namespace Tolvar::Varundo;
 using namespace Tolvar::Varundo::Test;
 
 namespace {
 
-/// A file with this content, which is gone when it is closed.
-class MemoryFile
+/// Where files for readers stand: in memory, since there is a new one for each input.
+QString fileName()
 {
-public:
-    explicit MemoryFile(const QByteArray& content)
-        : m_descriptor(memfd_create("input", MFD_CLOEXEC))
-    {
-        demand(write(m_descriptor, content.constData(), static_cast<std::size_t>(content.size())) ==
-                   content.size(),
-               "memory is there");
-    }
-    ~MemoryFile() { close(m_descriptor); }
-    Q_DISABLE_COPY_MOVE(MemoryFile)
+    static const QTemporaryDir directory(QStringLiteral("/dev/shm/varundo-fuzz"));
+    return directory.filePath(QStringLiteral("input"));
+}
 
-    QString name() const { return QStringLiteral("/proc/self/fd/%1").arg(m_descriptor); }
-
-private:
-    int m_descriptor;
-};
+QString fileWith(const QByteArray& content)
+{
+    QFile file(fileName());
+    demand(file.open(QIODevice::WriteOnly) && file.write(content) == content.size(), "memory is there");
+    return fileName();
+}
 
 Client::TextCodec codecOf(int number)
 {
@@ -116,9 +109,8 @@ void readHex(FuzzInput& input)
 
 void readDevices(FuzzInput& input)
 {
-    const MemoryFile file(input.rest());
     QString error;
-    const auto script = Simulator::DeviceScript::readFile(file.name(), &error);
+    const auto script = Simulator::DeviceScript::readFile(fileWith(input.rest()), &error);
     demand(script.has_value() == error.isEmpty(), "a device file is read, or it is said why not");
     int last = 0;
     for (int i = 0; script && i < script->steps().size(); ++i) {
@@ -127,13 +119,17 @@ void readDevices(FuzzInput& input)
     }
 }
 
-/// What was on the disk when the power went is read as far as it goes.
+/// What was on the disk when the power went is read as far as it goes, and what is set then is there.
 void readSettings(FuzzInput& input)
 {
-    const MemoryFile file(input.rest());
-    CApplicationSettings::instance()->setFileName(file.name());
-    CApplicationSettings::instance()->getCustomSetting(QStringLiteral("ZEL_INTERFACE"),
-                                                       QStringLiteral("none"));
+    const QString key = QStringLiteral("ZEL_INTERFACE");
+    auto* const settings = CApplicationSettings::instance();
+    settings->setFileName(fileWith(input.rest()));
+    const QString stored = settings->getCustomSetting(key, QStringLiteral("none"));
+    settings->setCustomSetting(key, stored + QLatin1Char('2'));
+    settings->setFileName(fileName());
+    demand(settings->getCustomSetting(key, QString()) == stored + QLatin1Char('2'),
+           "a setting is read as it was set");
 }
 
 } // namespace
