@@ -29,6 +29,8 @@ private slots:
     void removalLeavesTheDevicesConnected();
     void removalAndLoadingBindOnce();
     void cursorStopsEndingTheEntryBetweenRemovalAndLoading();
+    void profileThatComesDuringAnElementTakesItsPlace();
+    void profileThatComesDuringTheStartValuesTakesItsPlace();
 
     void lockIsHeldDuringTheWalkAndReleasedAfter();
     void lockIsTakenBeforeTheListIs();
@@ -256,6 +258,56 @@ void TestOverlayProfile::cursorStopsEndingTheEntryBetweenRemovalAndLoading()
     unit.model().setCursorPosition(0, 0);
     type('d');
     QCOMPARE(shown(), QStringLiteral("d"));
+}
+
+/// A host may load another profile when it hears of what the first one has set. Nothing of the first one is
+/// to arrive after that, neither the rest of the element nor the elements behind it.
+void TestOverlayProfile::profileThatComesDuringAnElementTakesItsPlace()
+{
+    HostedUnit unit;
+    RecordingText* const speed = unit.addBoundText(ElementParam::NAME_SPEED);
+    speed->setColumn(5);
+    speed->setEnabled(false);
+    RecordingText* const date = unit.addBoundText(ElementParam::NAME_DATE);
+    date->setColumn(7);
+    const QPoint dateBefore = unit.model().datePosition();
+    connect(&unit.model(), &DataManager::cableSpeedPositionChanged, this,
+            [&](const QString&, const QPoint& position) {
+                if (position.x() != 5) {
+                    return;
+                }
+                emit unit.manager.beforeRemoveElements();
+                unit.manager.elements.removeAll(date);
+                speed->setColumn(9);
+                speed->setEnabled(true);
+                emit unit.manager.profileLoaded();
+            });
+    unit.loadProfile();
+    QCOMPARE(unit.model().cableSpeedPosition(), QPoint(9, 0));
+    QCOMPARE(unit.model().cableSpeedVisible(), true);
+    QCOMPARE(unit.model().datePosition(), dateBefore);
+    unit.discardCalls();
+    unit.model().setCableSpeedPosition(QPoint(1, 0));
+    QCOMPARE(unit.log.take().filter(QStringLiteral("setColumn(1)")).size(), 1); // bound once
+}
+
+void TestOverlayProfile::profileThatComesDuringTheStartValuesTakesItsPlace()
+{
+    HostedUnit unit;
+    RecordingText* const temperature = unit.addBoundText(ElementParam::NAME_OBJECT_TEMPERATURE);
+    unit.loadProfile();
+    const int celsius = unit.model().extTemperatureFormat();
+    unit.model().setMeterCounter1Format(3); // so that its start value is news
+    bool isFirst = true;
+    connect(&unit.model(), &DataManager::meterCounter1FormatChanged, this, [&] {
+        if (std::exchange(isFirst, false)) {
+            temperature->setUnit(QStringLiteral("\u00B0F"));
+            emit unit.manager.profileLoaded();
+        }
+    });
+    unit.loadProfile();
+    QVERIFY(!isFirst);
+    QVERIFY(unit.model().extTemperatureFormat() != celsius);
 }
 
 void TestOverlayProfile::lockIsHeldDuringTheWalkAndReleasedAfter()

@@ -1,6 +1,7 @@
 // What one constructor call sets up, the face that the Runner shows to the host, and the transports'
 // settings.
 
+#include "CaughtWarnings.h"
 #include "HostedUnit.h"
 #include "ZelPeer.h"
 
@@ -367,6 +368,7 @@ void TestRunner::missingHostObjectsAreDoneWithout()
     QFETCH(bool, accessor);
     HostedUnit unit;
     unit.addBoundText(Mavril::VideoOverlay::ElementParam::NAME_SPEED);
+    const CaughtWarnings caught;
     unit.runner =
         std::make_unique<Runner>(backend ? &unit.backend : nullptr, manager ? &unit.manager : nullptr,
                                  accessor ? &unit.accessor : nullptr);
@@ -387,6 +389,8 @@ void TestRunner::missingHostObjectsAreDoneWithout()
     QCOMPARE(unit.model().cableSpeedPosition(), QPoint(1, 2));
     QCOMPARE(unit.backend.switched, backend ? QList<bool>({true, false}) : QList<bool>());
     QCOMPARE(unit.log.take().contains(QStringLiteral("delete(custom1)")), manager);
+    // Nor is anything attempted with a part that is not there; Qt would say so.
+    QCOMPARE(CaughtWarnings::texts().filter(QStringLiteral("QObject::")), QStringList());
 }
 
 QTEST_MAIN(TestRunner)

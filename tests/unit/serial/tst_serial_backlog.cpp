@@ -64,6 +64,7 @@ private slots:
     void acknowledgementsThatNobodyReadsAreBoundedAndNoneIsLost();
     void bytesThatAreNotReadAreLeftOnTheLine();
     void lineThatDrainsAgainIsHeardAgain();
+    void commandsThatWaitForTheControllerAreCarriedOutWhenTheLineCloses();
 };
 
 void TestSerialBacklog::initTestCase()
@@ -182,6 +183,24 @@ void TestSerialBacklog::lineThatDrainsAgainIsHeardAgain()
         QVERIFY(adapter.receive(6 * replySize) == replies);
     }
     QCOMPARE(unit.port().bytesToWrite(), 0);
+}
+
+void TestSerialBacklog::commandsThatWaitForTheControllerAreCarriedOutWhenTheLineCloses()
+{
+    PseudoAdapter adapter(Node);
+    ObservedSerialAdaptor unit;
+    unit.onRecord([&](const CommandMessage& asked) { unit->writeMessage(answerTo(asked)); });
+    unit->openSerialPort(Name);
+    const size_t count = 6;
+    QByteArray requests;
+    for (size_t number = 0; number < count; ++number) {
+        requests += encodeFrame(request(static_cast<int>(number)));
+    }
+    QCOMPARE(sendUntilRefused(adapter, requests, 50), requests.size());
+    QTRY_VERIFY(!unit.records().empty());
+    QVERIFY(unit.records().size() < count);
+    unit->closeSerialPort();
+    QCOMPARE(unit.records().size(), count);
 }
 
 QTEST_GUILESS_MAIN(TestSerialBacklog)

@@ -59,6 +59,8 @@ private slots:
     void portCanBeOpenedAgain();
     void closeAfterAFailedOpenReachesThePort();
     void portThatOnlyReportsErrorsIsGivenUp();
+    void settingsThatAreRefusedDoNotCountAsErrorsOfTheLine_data();
+    void settingsThatAreRefusedDoNotCountAsErrorsOfTheLine();
     void aReadInBetweenKeepsAPortWithErrors();
 
     void allByteValuesArriveInAPayload();
@@ -259,6 +261,41 @@ void TestSerialAdaptor::portThatOnlyReportsErrorsIsGivenUp()
     QTRY_VERIFY(!adapter.isOpenedByUnit());
     unit->openSerialPort(Name); // to the outside it counts as open until the adapter has been away
     QVERIFY(!adapter.isOpenedByUnit());
+}
+
+void TestSerialAdaptor::settingsThatAreRefusedDoNotCountAsErrorsOfTheLine_data()
+{
+    QTest::addColumn<int>("error");
+    QTest::addColumn<bool>("isOfTheLine");
+    QTest::newRow("DeviceNotFoundError") << int(QSerialPort::DeviceNotFoundError) << false;
+    QTest::newRow("PermissionError") << int(QSerialPort::PermissionError) << false;
+    QTest::newRow("OpenError") << int(QSerialPort::OpenError) << false;
+    QTest::newRow("WriteError") << int(QSerialPort::WriteError) << true;
+    QTest::newRow("ReadError") << int(QSerialPort::ReadError) << true;
+    QTest::newRow("ResourceError") << int(QSerialPort::ResourceError) << true;
+    QTest::newRow("UnsupportedOperationError") << int(QSerialPort::UnsupportedOperationError) << false;
+    QTest::newRow("UnknownError") << int(QSerialPort::UnknownError) << true;
+    QTest::newRow("TimeoutError") << int(QSerialPort::TimeoutError) << false;
+    QTest::newRow("NotOpenError") << int(QSerialPort::NotOpenError) << false;
+}
+
+void TestSerialAdaptor::settingsThatAreRefusedDoNotCountAsErrorsOfTheLine()
+{
+    QFETCH(int, error);
+    QFETCH(bool, isOfTheLine);
+    const PseudoAdapter adapter(Node);
+    ObservedSerialAdaptor unit;
+    unit->openSerialPort(Name);
+    if (isOfTheLine) {
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("no longer answers")));
+    }
+    for (int count = 0; count < 1000; ++count) {
+        emit unit.port().errorOccurred(static_cast<QSerialPort::SerialPortError>(error));
+    }
+    QCOMPARE(unit.errors().size(), 1000);
+    // What looks at the port afterwards has been queued before this.
+    QCoreApplication::sendPostedEvents();
+    QCOMPARE(adapter.isOpenedByUnit(), !isOfTheLine);
 }
 
 void TestSerialAdaptor::aReadInBetweenKeepsAPortWithErrors()
