@@ -184,7 +184,9 @@ void SerialAdaptor::openSerialPort(QString serialPort)
     m_errorsInARow = 0;
     m_serialPort->setPortName(QStringLiteral("/dev/%1").arg(serialPort));
     m_serialPort->setBaudRate(m_baudrate, QSerialPort::AllDirections); // a line that was gone did not take it
-    m_portOpen = m_serialPort->open(QIODevice::ReadWrite);
+    m_serialPort->open(QIODevice::ReadWrite);
+    // Not what open() says: whoever hears of its error may have opened the port meanwhile.
+    m_portOpen = m_serialPort->isOpen();
     if (!m_portOpen) {
         qCWarning(transportLog, "%s cannot be opened (%s); not tried again until the adapter has been away",
                   qPrintable(m_serialPort->portName()), qPrintable(m_serialPort->errorString()));

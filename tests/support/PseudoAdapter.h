@@ -49,7 +49,7 @@ public:
         }
         close(node);
         m_device = device.st_rdev;
-        m_nodeMounted = mount(unitEnd, m_node.constData(), nullptr, MS_BIND, nullptr) == 0;
+        m_nodeMounted = mount(unitEnd, m_node.constData(), "", MS_BIND, nullptr) == 0;
         return m_nodeMounted;
     }
 

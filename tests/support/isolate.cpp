@@ -68,13 +68,13 @@ bool bindNode(const std::string& root, const char* name)
         close(file);
     }
     return file >= 0 &&
-           mount((std::string("/dev/") + name).c_str(), node.c_str(), nullptr, MS_BIND, nullptr) == 0;
+           mount((std::string("/dev/") + name).c_str(), node.c_str(), "", MS_BIND, nullptr) == 0;
 }
 
 /// A /dev of our own is built beside the old one, which it needs nodes of, and then moved over it.
 bool makeDevices()
 {
-    if (mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) {
+    if (mount("none", "/", "", MS_REC | MS_PRIVATE, nullptr) != 0) {
         return false;
     }
     char scratch[] = "/tmp/varundo-dev-XXXXXX";
@@ -91,7 +91,7 @@ bool makeDevices()
                  "newinstance,ptmxmode=0666,mode=0620") == 0 &&
            symlink("pts/ptmx", (dev + "/ptmx").c_str()) == 0 &&
            symlink("/proc/self/fd", (dev + "/fd").c_str()) == 0 &&
-           mount(scratch, "/dev", nullptr, MS_MOVE, nullptr) == 0;
+           mount(scratch, "/dev", "", MS_MOVE, nullptr) == 0;
     rmdir(scratch);
     // Lock files of serial ports; the directory may be a link.
     char locks[4096];

@@ -58,6 +58,7 @@ private slots:
     void closedPortIsNotListenedTo();
     void portCanBeOpenedAgain();
     void closeAfterAFailedOpenReachesThePort();
+    void portThatIsOpenedWhileAnOpenFailsIsOpen();
     void portThatOnlyReportsErrorsIsGivenUp();
     void settingsThatAreRefusedDoNotCountAsErrorsOfTheLine_data();
     void settingsThatAreRefusedDoNotCountAsErrorsOfTheLine();
@@ -247,6 +248,19 @@ void TestSerialAdaptor::closeAfterAFailedOpenReachesThePort()
     const PseudoAdapter adapter(Node);
     unit->openSerialPort(Name); // not ignored: no port counts as open
     QVERIFY(adapter.isOpenedByUnit());
+}
+
+void TestSerialAdaptor::portThatIsOpenedWhileAnOpenFailsIsOpen()
+{
+    PseudoAdapter adapter(Node);
+    ObservedSerialAdaptor unit;
+    connect(&*unit, &SerialAdaptor::serialPortError, this, [&] { unit->openSerialPort(Name); });
+    unit->openSerialPort(QStringLiteral("ttyUSB6")); // which is not there
+    QVERIFY(adapter.isOpenedByUnit());
+    QCOMPARE(unit.errors().size(), 1);
+    unit->openSerialPort(Name); // ignored, since it is open
+    QCOMPARE(unit.errors().size(), 1);
+    QCOMPARE(adapter.exchange(writeFrame(1, QByteArray())), Ack);
 }
 
 void TestSerialAdaptor::portThatOnlyReportsErrorsIsGivenUp()
