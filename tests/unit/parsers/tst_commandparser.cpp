@@ -1,8 +1,11 @@
+#include "CaughtDebugLog.h"
 #include "SignalLog.h"
 
 #include <Tolvar/Varundo/CommandParser.h>
+#include <Tolvar/Varundo/DataManager.h>
 #include <Tolvar/Varundo/ExecuteCommandParser.h>
 #include <Tolvar/Varundo/ReadCommandParser.h>
+#include <Tolvar/Varundo/ReadCommandResponder.h>
 #include <Tolvar/Varundo/WriteCommandParser.h>
 
 #include <QtTest>
@@ -31,6 +34,7 @@ private slots:
     void payloadOfFullSizeIsPassedOn();
     void receiverHasRunWhenTheSlotReturns();
     void allParsersDeriveFromQObjectDirectly();
+    void unknownCommandIsLoggedWithItsGroup();
 
 private:
     static QStringList parse(const CommandMessage& message)
@@ -117,6 +121,23 @@ void CommandParserTest::allParsersDeriveFromQObjectDirectly()
     QCOMPARE(ExecuteCommandParser::staticMetaObject.superClass(), &QObject::staticMetaObject);
     QCOMPARE(ReadCommandParser::staticMetaObject.superClass(), &QObject::staticMetaObject);
     QCOMPARE(WriteCommandParser::staticMetaObject.superClass(), &QObject::staticMetaObject);
+}
+
+/// The host's engineer who asks why nothing happens finds it on the debug log.
+void CommandParserTest::unknownCommandIsLoggedWithItsGroup()
+{
+    DataManager model;
+    ReadCommandResponder responder(&model);
+    ExecuteCommandParser execute(&model);
+    ReadCommandParser read(&responder);
+    WriteCommandParser write(&model);
+    const CaughtDebugLog log("varundo.parser");
+    execute.parseCommandMessage({0xEE, 0, 0, {}});
+    read.parseCommandMessage({0xEE, 1, 0, {}});
+    write.parseCommandMessage({0x00, 2, 0, {}});
+    QCOMPARE(CaughtDebugLog::lines(), QStringList({QStringLiteral("unknown execute command 0xEE dropped"),
+                                                   QStringLiteral("unknown read command 0xEE dropped"),
+                                                   QStringLiteral("unknown write command 0x00 dropped")}));
 }
 
 QTEST_GUILESS_MAIN(CommandParserTest)

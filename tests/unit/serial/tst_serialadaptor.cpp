@@ -60,6 +60,8 @@ private slots:
     void closeAfterAFailedOpenReachesThePort();
     void portThatIsOpenedWhileAnOpenFailsIsOpen();
     void portThatOnlyReportsErrorsIsGivenUp();
+    void openingForgetsTheErrorsOfTheLineBefore();
+    void bytesThatWaitDoNotMakeAnErrorTheLinesEnd();
     void settingsThatAreRefusedDoNotCountAsErrorsOfTheLine_data();
     void settingsThatAreRefusedDoNotCountAsErrorsOfTheLine();
     void aReadInBetweenKeepsAPortWithErrors();
@@ -275,6 +277,34 @@ void TestSerialAdaptor::portThatOnlyReportsErrorsIsGivenUp()
     QTRY_VERIFY(!adapter.isOpenedByUnit());
     unit->openSerialPort(Name); // to the outside it counts as open until the adapter has been away
     QVERIFY(!adapter.isOpenedByUnit());
+}
+
+void TestSerialAdaptor::openingForgetsTheErrorsOfTheLineBefore()
+{
+    const PseudoAdapter adapter(Node);
+    ObservedSerialAdaptor unit;
+    for (int round = 0; round < 3; ++round) {
+        unit->openSerialPort(Name);
+        for (int count = 0; count < 60; ++count) {
+            emit unit.port().errorOccurred(QSerialPort::ReadError);
+        }
+        QCoreApplication::sendPostedEvents();
+        QVERIFY(adapter.isOpenedByUnit());
+        unit->closeSerialPort();
+    }
+}
+
+void TestSerialAdaptor::bytesThatWaitDoNotMakeAnErrorTheLinesEnd()
+{
+    PseudoAdapter adapter(Node);
+    ObservedSerialAdaptor unit;
+    unit->openSerialPort(Name);
+    QCOMPARE(adapter.send("typed"), 5);
+    emit unit.port().errorOccurred(QSerialPort::ReadError);
+    QCoreApplication::sendPostedEvents(); // before the bytes are read
+    QCOMPARE(unit.typed(), QByteArray());
+    QVERIFY(adapter.isOpenedByUnit());
+    QTRY_COMPARE(unit.typed(), QByteArray("typed"));
 }
 
 void TestSerialAdaptor::settingsThatAreRefusedDoNotCountAsErrorsOfTheLine_data()

@@ -1,9 +1,10 @@
 // The half of a transport that reads: turns, what is left behind by a device that goes, and its end in the
 // middle of a call.
 
+#include "CaughtDebugLog.h"
+
 #include <FrameReader.h>
 
-#include <QLoggingCategory>
 #include <QPointer>
 #include <QSignalSpy>
 #include <QtTest>
@@ -12,6 +13,7 @@
 #include <memory>
 
 using namespace Tolvar::Varundo;
+using namespace Tolvar::Varundo::Test;
 
 namespace {
 
@@ -47,35 +49,6 @@ private:
     }
     void onFrameRejected() override { ++rejected; }
     void onPrintableByte(quint8 byte) override { typed.append(static_cast<char>(byte)); }
-};
-
-/// Catches what is logged for debugging, which is off otherwise.
-class CaughtDebugLog
-{
-public:
-    CaughtDebugLog()
-    {
-        QLoggingCategory::setFilterRules(QStringLiteral("varundo.transport.debug=true"));
-        lines().clear();
-        m_before = qInstallMessageHandler(
-            [](QtMsgType, const QMessageLogContext&, const QString& text) { lines().append(text); });
-    }
-    ~CaughtDebugLog()
-    {
-        qInstallMessageHandler(m_before);
-        QLoggingCategory::setFilterRules(QString());
-    }
-    CaughtDebugLog(const CaughtDebugLog&) = delete;
-    CaughtDebugLog& operator=(const CaughtDebugLog&) = delete;
-
-    static QStringList& lines()
-    {
-        static QStringList caught;
-        return caught;
-    }
-
-private:
-    QtMessageHandler m_before;
 };
 
 } // namespace
@@ -209,7 +182,7 @@ void TestFrameReader::everyKindOfLossIsLoggedByItself()
 {
     QFETCH(QByteArray, read);
     QFETCH(QString, line);
-    const CaughtDebugLog log;
+    const CaughtDebugLog log("varundo.transport");
     const auto reader = std::make_shared<ListReader>();
     reader->reads = {read};
     reader->process();
@@ -227,7 +200,7 @@ void TestFrameReader::everyKindOfLossIsLoggedByItself()
 
 void TestFrameReader::readWithoutLossesIsNotLogged()
 {
-    const CaughtDebugLog log;
+    const CaughtDebugLog log("varundo.transport");
     const auto reader = std::make_shared<ListReader>();
     reader->reads = {QByteArray::fromHex("00"), Frame + "a" + Frame};
     reader->process();
