@@ -60,6 +60,7 @@ private slots:
     void closeAfterAFailedOpenReachesThePort();
     void portThatIsOpenedWhileAnOpenFailsIsOpen();
     void portThatOnlyReportsErrorsIsGivenUp();
+    void hundredErrorsInARowAreTheLinesEnd();
     void openingForgetsTheErrorsOfTheLineBefore();
     void bytesThatWaitDoNotMakeAnErrorTheLinesEnd();
     void settingsThatAreRefusedDoNotCountAsErrorsOfTheLine_data();
@@ -276,6 +277,22 @@ void TestSerialAdaptor::portThatOnlyReportsErrorsIsGivenUp()
     }
     QTRY_VERIFY(!adapter.isOpenedByUnit());
     unit->openSerialPort(Name); // to the outside it counts as open until the adapter has been away
+    QVERIFY(!adapter.isOpenedByUnit());
+}
+
+void TestSerialAdaptor::hundredErrorsInARowAreTheLinesEnd()
+{
+    const PseudoAdapter adapter(Node);
+    ObservedSerialAdaptor unit;
+    unit->openSerialPort(Name);
+    for (int count = 0; count < 99; ++count) {
+        emit unit.port().errorOccurred(QSerialPort::ReadError);
+    }
+    QCoreApplication::sendPostedEvents();
+    QVERIFY(adapter.isOpenedByUnit());
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("no longer answers")));
+    emit unit.port().errorOccurred(QSerialPort::ReadError);
+    QCoreApplication::sendPostedEvents();
     QVERIFY(!adapter.isOpenedByUnit());
 }
 
