@@ -174,6 +174,9 @@ void TestFrameReader::everyKindOfLossIsLoggedByItself_data()
                                   << "0 frames rejected, 1 dropped without a reply, 0 bytes discarded";
     QTest::newRow("command zero, twice") << QByteArray::fromHex("020002000003020002000003")
                                          << "0 frames rejected, 2 dropped without a reply, 0 bytes discarded";
+    // The dropped frame's payload stays, and the next frame announces less than that.
+    QTest::newRow("refused frame") << QByteArray::fromHex("0200020200616203020702000003")
+                                   << "1 frames rejected, 1 dropped without a reply, 0 bytes discarded";
     QTest::newRow("bytes between frames")
         << QByteArray::fromHex("000001") << "0 frames rejected, 0 dropped without a reply, 3 bytes discarded";
 }
