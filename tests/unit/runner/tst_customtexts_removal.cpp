@@ -1,5 +1,6 @@
 // How the texts that a controller made go again: cleared up, cleared, removed by the host, or just gone.
 
+#include "HeapInUse.h"
 #include "HostedUnit.h"
 #include "ReferenceUnit.h"
 
@@ -28,6 +29,7 @@ private slots:
     void removalOfOtherElementsIsIgnored();
     void textThatVanishedIsPassedOver();
     void textsThatAllVanishedArePassedOver();
+    void textsThatVanishedLeaveNothingBehind();
     void textsThatVanishDuringClearEditArePassedOver();
     void textsThatVanishDuringTheCleanUpArePassedOver();
     void textsSurviveTheRunner();
@@ -214,6 +216,25 @@ void TestCustomTextsRemoval::textsThatAllVanishedArePassedOver()
     QCOMPARE(unit.manager.createdTexts(), inOrder("new"));
     clearEdit(unit);
     QCOMPARE(unit.manager.created.size(), 0);
+}
+
+void TestCustomTextsRemoval::textsThatVanishedLeaveNothingBehind()
+{
+    HostedUnit unit;
+    const auto comeAndGo = [&](int times) {
+        for (int i = 0; i < times; ++i) {
+            writeLine(unit, 2, "text");
+            unit.manager.drop(unit.manager.created.first());
+            if (i % 100 == 99) {
+                unit.runner->clearEmptyTexts();
+                unit.discardCalls();
+            }
+        }
+        return heapInUse();
+    };
+    const qint64 before = comeAndGo(1000);
+    const qint64 grown = comeAndGo(20000) - before;
+    QVERIFY2(grown < 64 * 1024, qPrintable(QString::number(grown)));
 }
 
 void TestCustomTextsRemoval::textsThatVanishDuringClearEditArePassedOver()

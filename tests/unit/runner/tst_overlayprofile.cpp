@@ -30,6 +30,7 @@ private slots:
     void removalAndLoadingBindOnce();
     void cursorStopsEndingTheEntryBetweenRemovalAndLoading();
     void profileThatComesDuringAnElementTakesItsPlace();
+    void profileThatComesDuringAStatusLineTakesItsPlace();
     void profileThatComesDuringTheStartValuesTakesItsPlace();
 
     void lockIsHeldDuringTheWalkAndReleasedAfter();
@@ -289,6 +290,27 @@ void TestOverlayProfile::profileThatComesDuringAnElementTakesItsPlace()
     unit.discardCalls();
     unit.model().setCableSpeedPosition(QPoint(1, 0));
     QCOMPARE(unit.log.take().filter(QStringLiteral("setColumn(1)")).size(), 1); // bound once
+}
+
+void TestOverlayProfile::profileThatComesDuringAStatusLineTakesItsPlace()
+{
+    HostedUnit unit;
+    RecordingText* const line = unit.addText(QStringLiteral("1"), ElementParam::NAME_STATIC_ID, 1);
+    line->setText(QStringLiteral("first"));
+    line->setEnabled(false);
+    connect(&unit.model(), &DataManager::statusLine1TextChanged, this,
+            [&](const QString&, const QString& text) {
+                if (text != QStringLiteral("first")) {
+                    return;
+                }
+                emit unit.manager.beforeRemoveElements();
+                line->setText(QStringLiteral("second"));
+                line->setEnabled(true);
+                emit unit.manager.profileLoaded();
+            });
+    unit.loadProfile();
+    QCOMPARE(unit.model().statusLine1Text(), QStringLiteral("second"));
+    QCOMPARE(unit.model().statusLine1Visible(), true);
 }
 
 void TestOverlayProfile::profileThatComesDuringTheStartValuesTakesItsPlace()
