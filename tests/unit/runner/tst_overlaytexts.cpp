@@ -48,6 +48,8 @@ private slots:
     void staticTextIsBoundToItsStatusLine();
     void bindingOneStaticTextAloneDoesTheSame_data() { everyLine(); }
     void bindingOneStaticTextAloneDoesTheSame();
+    void bindingAStaticTextFindsItsLine_data() { staticTextIsBoundToItsStatusLine_data(); }
+    void bindingAStaticTextFindsItsLine();
     void otherStaticIdsStayUnbound_data();
     void otherStaticIdsStayUnbound();
     void unknownColumnDoesNotKeepAStaticTextFromItsLine();
@@ -154,6 +156,21 @@ void TestOverlayTexts::bindingOneStaticTextAloneDoesTheSame()
     QCOMPARE(unit.log.take(), inOrder("text.setText(after)"));
 }
 
+void TestOverlayTexts::bindingAStaticTextFindsItsLine()
+{
+    QFETCH(int, line);
+    QFETCH(QVariant, staticId);
+    HostedUnit unit;
+    RecordingText* const text = unit.addText(QStringLiteral("text"), ElementParam::NAME_STATIC_ID, staticId);
+    text->setText(QStringLiteral("before"));
+    unit.discardCalls();
+    unit.runner->connectStaticText(text);
+    const StatusLine& status = StatusLines[line - 1];
+    QCOMPARE((unit.model().*status.text)(), QStringLiteral("before"));
+    (unit.model().*status.setText)(QStringLiteral("after"));
+    QCOMPARE(unit.log.take(), inOrder("text.setText(after)"));
+}
+
 void TestOverlayTexts::otherStaticIdsStayUnbound_data()
 {
     QTest::addColumn<QVariant>("staticId");
@@ -176,6 +193,7 @@ void TestOverlayTexts::otherStaticIdsStayUnbound()
     text->setText(QStringLiteral("before"));
     text->setEnabled(true);
     unit.loadProfile();
+    unit.runner->connectStaticText(text);
     for (int line = 1; line <= 4; ++line) {
         unit.accessor.registerElement(QString::number(line), text);
         const StatusLine& status = StatusLines[line - 1];
