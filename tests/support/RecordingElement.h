@@ -36,6 +36,9 @@ public:
     {
         note("setEnabled", inWords(enabled));
         Base::setEnabled(enabled);
+        if (whenEnabled) {
+            whenEnabled();
+        }
     }
     void setVisible(bool visible) override
     {
@@ -67,6 +70,8 @@ public:
 
     /// Called whenever somebody asks for the parameters.
     std::function<void()> whenAsked;
+    /// Called whenever somebody enables or disables it.
+    std::function<void()> whenEnabled;
 
 protected:
     void note(const char* operation, const QString& argument)

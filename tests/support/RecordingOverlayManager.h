@@ -49,6 +49,9 @@ public:
             text->CVideoOverlayText::setFont(createdFont);
         }
         created.append(text);
+        if (whenCreated) {
+            whenCreated(*text);
+        }
         return text;
     }
     void deleteElementFromModel(Element* element) override
@@ -93,6 +96,7 @@ public:
     bool deletes = true;
     std::function<void()> whenListed;
     std::function<void()> whenDeleting;
+    std::function<void(RecordingText&)> whenCreated;
 
 private:
     void forget(Element* element)

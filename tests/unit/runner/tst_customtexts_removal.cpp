@@ -26,6 +26,7 @@ private slots:
     void clearEditLeavesTheProfileAlone();
     void managerThatAnnouncesNoRemovalKeepsTheTextsListed();
     void textThatTheHostRemovesIsForgotten();
+    void textThatTheHostRemovesWhileItIsMadeIsForgotten();
     void removalOfOtherElementsIsIgnored();
     void textThatVanishedIsPassedOver();
     void textsThatAllVanishedArePassedOver();
@@ -167,6 +168,22 @@ void TestCustomTextsRemoval::textThatTheHostRemovesIsForgotten()
     unit.discardCalls();
     clearEdit(unit);
     QCOMPARE(unit.log.take(), inOrder("delete(custom2)", "delete(custom3)"));
+}
+
+/// Announced is as good as gone, even if the host deletes it later.
+void TestCustomTextsRemoval::textThatTheHostRemovesWhileItIsMadeIsForgotten()
+{
+    HostedUnit unit;
+    unit.manager.whenCreated = [&](RecordingText& text) {
+        text.whenEnabled = [&] {
+            emit unit.manager.beforeRemoveElement(&text);
+        };
+    };
+    writeLine(unit, 2, "text");
+    QCOMPARE(unit.manager.createdTexts(), inOrder("text"));
+    unit.discardCalls();
+    clearEdit(unit);
+    QCOMPARE(unit.log.take().filter(QStringLiteral("delete")), QStringList());
 }
 
 void TestCustomTextsRemoval::removalOfOtherElementsIsIgnored()

@@ -31,6 +31,7 @@ private slots:
     void cursorStopsEndingTheEntryBetweenRemovalAndLoading();
     void profileThatComesDuringAnElementTakesItsPlace();
     void profileThatComesDuringAStatusLineTakesItsPlace();
+    void profileThatComesAtTheEndOfAStatusLineIsBoundOnce();
     void profileThatComesDuringTheStartValuesTakesItsPlace();
 
     void lockIsHeldDuringTheWalkAndReleasedAfter();
@@ -311,6 +312,24 @@ void TestOverlayProfile::profileThatComesDuringAStatusLineTakesItsPlace()
     unit.loadProfile();
     QCOMPARE(unit.model().statusLine1Text(), QStringLiteral("second"));
     QCOMPARE(unit.model().statusLine1Visible(), true);
+}
+
+void TestOverlayProfile::profileThatComesAtTheEndOfAStatusLineIsBoundOnce()
+{
+    HostedUnit unit;
+    RecordingText* const line = unit.addText(QStringLiteral("1"), ElementParam::NAME_STATIC_ID, 1);
+    line->setTextColor(Qt::red);
+    connect(&unit.model(), &DataManager::statusLine1ColorPairChanged, this,
+            [&](const QString&, const ColorPair& colors) {
+                if (colors.first == QColor(Qt::red)) {
+                    emit unit.manager.beforeRemoveElements();
+                    line->setTextColor(Qt::green);
+                    emit unit.manager.profileLoaded();
+                }
+            });
+    unit.loadProfile();
+    unit.model().setStatusLine1Text(QStringLiteral("text"));
+    QCOMPARE(unit.log.take(), inOrder("1.setText(text)"));
 }
 
 void TestOverlayProfile::profileThatComesDuringTheStartValuesTakesItsPlace()
