@@ -1,9 +1,9 @@
 #ifndef TOLVAR_VARUNDO_TESTS_ZELCTLRUN_H
 #define TOLVAR_VARUNDO_TESTS_ZELCTLRUN_H
 
+#include "PipedProcess.h"
+
 #include <QByteArray>
-#include <QProcess>
-#include <QSignalSpy>
 #include <QString>
 #include <QStringList>
 
@@ -22,19 +22,17 @@ struct ZelctlRun
 /// Runs the program to its end, in an event loop, so that the unit that it talks to may live in this thread.
 inline ZelctlRun runZelctl(const QStringList& words, const QByteArray& input = QByteArray())
 {
-    qRegisterMetaType<QProcess::ExitStatus>();
-    QProcess process;
-    QSignalSpy finished(&process, qOverload<int, QProcess::ExitStatus>(&QProcess::finished));
-    process.start(QStringLiteral(ZELCTL_PROGRAM), words);
+    Test::PipedProcess process;
+    if (!process.start(QStringLiteral(ZELCTL_PROGRAM), words)) {
+        return {-1, QString(), QStringLiteral("did not start")};
+    }
     process.write(input);
-    process.closeWriteChannel();
-    if (finished.isEmpty() && !finished.wait(ZelctlRun::Timeout)) {
-        process.kill();
-        process.waitForFinished();
+    process.closeInput();
+    if (!process.waitForEnd(ZelctlRun::Timeout)) {
         return {-1, QString(), QStringLiteral("did not end")};
     }
-    return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
-            QString::fromUtf8(process.readAllStandardError())};
+    return {process.exitStatus(), QString::fromUtf8(process.readOutput()),
+            QString::fromUtf8(process.readErrors())};
 }
 
 } // namespace Tolvar::Varundo::Tests

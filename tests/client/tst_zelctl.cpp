@@ -19,6 +19,7 @@
 
 using namespace Tolvar::Varundo;
 using namespace Tolvar::Varundo::Client;
+using Tolvar::Varundo::Test::PipedProcess;
 using Tolvar::Varundo::Tests::FakeTcpUnit;
 using Tolvar::Varundo::Tests::FakeUnit;
 using Tolvar::Varundo::Tests::runZelctl;
@@ -649,17 +650,15 @@ void tst_Zelctl::watchReadsSoManyTimes()
 
 void tst_Zelctl::watchEndsOnInterrupt()
 {
-    QProcess process;
-    QSignalSpy finished(&process, qOverload<int, QProcess::ExitStatus>(&QProcess::finished));
-    process.start(QStringLiteral(ZELCTL_PROGRAM),
-                  connected({QStringLiteral("watch"), QStringLiteral("meter-counter-1"),
-                             QStringLiteral("--interval"), QStringLiteral("60000")}));
+    PipedProcess process;
+    QVERIFY(process.start(QStringLiteral(ZELCTL_PROGRAM),
+                          connected({QStringLiteral("watch"), QStringLiteral("meter-counter-1"),
+                                     QStringLiteral("--interval"), QStringLiteral("60000")})));
     QByteArray out;
-    QTRY_VERIFY_WITH_TIMEOUT((out += process.readAllStandardOutput()).contains('\n'), ZelctlRun::Timeout);
-    QCOMPARE(::kill(static_cast<pid_t>(process.processId()), SIGINT), 0);
-    QTRY_COMPARE_WITH_TIMEOUT(finished.count(), 1, ZelctlRun::Timeout);
-    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
-    QCOMPARE(process.exitCode(), 0);
+    QTRY_VERIFY_WITH_TIMEOUT((out += process.readOutput()).contains('\n'), ZelctlRun::Timeout);
+    process.sendSignal(SIGINT);
+    QVERIFY(process.waitForEnd(ZelctlRun::Timeout));
+    QCOMPARE(process.exitStatus(), 0);
 }
 
 void tst_Zelctl::listShowsTheWholeCatalogue()

@@ -4,6 +4,7 @@
 #include <Tolvar/Varundo/Client/PayloadBuilder.h>
 
 #include <QElapsedTimer>
+#include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
 

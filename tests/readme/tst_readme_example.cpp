@@ -1,6 +1,7 @@
+#include "PipedProcess.h"
+
 #include <Tolvar/Varundo/FrameCodec.h>
 
-#include <QProcess>
 #include <QTcpSocket>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -33,7 +34,7 @@ private:
     void start(const QString& profileFile);
 
     std::unique_ptr<QTemporaryDir> m_home;
-    std::unique_ptr<QProcess> m_host;
+    std::unique_ptr<Test::PipedProcess> m_host;
 };
 
 void TestReadmeExample::init()
@@ -42,27 +43,19 @@ void TestReadmeExample::init()
         QSKIP("needs a network of its own for port 9998, which is not permitted here");
     }
     m_home = std::make_unique<QTemporaryDir>();
-    m_host = std::make_unique<QProcess>();
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), m_home->path());
-    m_host->setProcessEnvironment(environment);
-    m_host->setProcessChannelMode(QProcess::MergedChannels);
+    m_host = std::make_unique<Test::PipedProcess>();
+    m_host->setVariable("XDG_CONFIG_HOME", QFile::encodeName(m_home->path()));
 }
 
 void TestReadmeExample::cleanup()
 {
-    if (m_host) {
-        m_host->kill();
-        m_host->waitForFinished();
-    }
     m_host.reset();
     m_home.reset();
 }
 
 void TestReadmeExample::start(const QString& profileFile)
 {
-    m_host->start(QStringLiteral(README_EXAMPLE), {profileFile});
-    QVERIFY2(m_host->waitForStarted(), qPrintable(m_host->errorString()));
+    QVERIFY(m_host->start(QStringLiteral(README_EXAMPLE), {profileFile}));
 }
 
 void TestReadmeExample::identifiesItselfOverTcp()
@@ -91,7 +84,7 @@ void TestReadmeExample::saysWhatIsWrongWithItsProfile()
 {
     start(QStringLiteral("/nonexistent.json"));
     QByteArray output;
-    QTRY_VERIFY_WITH_TIMEOUT((output += m_host->readAll()).contains("/nonexistent.json: cannot be read"),
+    QTRY_VERIFY_WITH_TIMEOUT((output += m_host->readErrors()).contains("/nonexistent.json: cannot be read"),
                              10000);
 }
 

@@ -18,12 +18,9 @@ constexpr int patienceMs = 60000;
 
 SimulatorProcess::SimulatorProcess()
 {
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.remove(QStringLiteral("QT_QPA_PLATFORM")); // it finds its own way without a display
-    environment.remove(QStringLiteral("DISPLAY"));
-    environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), m_dir.path()); // else Qt complains
-    m_process.setProcessEnvironment(environment);
-    m_process.setProgram(QStringLiteral(VARUNDO_SIMULATOR));
+    m_process.removeVariable("QT_QPA_PLATFORM"); // it finds its own way without a display
+    m_process.removeVariable("DISPLAY");
+    m_process.setVariable("XDG_RUNTIME_DIR", QFile::encodeName(m_dir.path())); // else Qt complains
 }
 
 SimulatorProcess::~SimulatorProcess()
@@ -35,16 +32,12 @@ SimulatorProcess::~SimulatorProcess()
 
 bool SimulatorProcess::start(const QStringList& further)
 {
-    m_process.setArguments(QStringList{QStringLiteral("--tcp-port"), QStringLiteral("0"),
-                                       QStringLiteral("--settings"), settingsFile(),
-                                       QStringLiteral("--snapshot"), pictureFile(), QStringLiteral("--state"),
-                                       stateFile()} +
-                           further);
-    m_process.start();
-    while (!m_process.canReadLine()) {
-        if (!m_process.waitForReadyRead(patienceMs)) {
-            return false;
-        }
+    const QStringList arguments{
+        QStringLiteral("--tcp-port"), QStringLiteral("0"), QStringLiteral("--settings"), settingsFile(),
+        QStringLiteral("--snapshot"), pictureFile(),       QStringLiteral("--state"),    stateFile()};
+    if (!m_process.start(QStringLiteral(VARUNDO_SIMULATOR), arguments + further) ||
+        !m_process.waitForLine(patienceMs)) {
+        return false;
     }
     m_readyLine = QString::fromUtf8(m_process.readLine());
     return true;
@@ -52,38 +45,33 @@ bool SimulatorProcess::start(const QStringList& further)
 
 void SimulatorProcess::run(const QStringList& arguments)
 {
-    m_process.setArguments(QStringList{QStringLiteral("--settings"), settingsFile()} + arguments);
-    m_process.start();
-    m_process.waitForFinished(patienceMs);
+    m_process.start(QStringLiteral(VARUNDO_SIMULATOR),
+                    QStringList{QStringLiteral("--settings"), settingsFile()} + arguments);
+    m_process.waitForEnd(patienceMs);
 }
 
 void SimulatorProcess::sendSignal(int number) const
 {
-    kill(static_cast<pid_t>(m_process.processId()), number);
+    m_process.sendSignal(number);
 }
 
 QString SimulatorProcess::command(const QByteArray& line)
 {
     m_process.write(line + '\n');
-    while (!m_process.canReadLine()) {
-        if (!m_process.waitForReadyRead(patienceMs)) {
-            return {};
-        }
-    }
+    m_process.waitForLine(patienceMs);
     return QString::fromUtf8(m_process.readLine()).chopped(1);
 }
 
 void SimulatorProcess::closeInput(const QByteArray& lastWords)
 {
     m_process.write(lastWords);
-    m_process.waitForBytesWritten(patienceMs);
-    m_process.closeWriteChannel();
+    m_process.closeInput();
 }
 
 int SimulatorProcess::end(int signalNumber)
 {
     sendSignal(signalNumber);
-    m_process.waitForFinished(patienceMs);
+    m_process.waitForEnd(patienceMs);
     return exitStatus();
 }
 
@@ -106,16 +94,9 @@ QString SimulatorProcess::write(const QString& name, const QByteArray& content) 
     return written ? file.fileName() : QString();
 }
 
-int SimulatorProcess::exitStatus() const
-{
-    const bool ended =
-        m_process.state() == QProcess::NotRunning && m_process.exitStatus() == QProcess::NormalExit;
-    return ended ? m_process.exitCode() : -1;
-}
-
 QString SimulatorProcess::errors()
 {
-    m_errors += QString::fromUtf8(m_process.readAllStandardError());
+    m_errors += QString::fromUtf8(m_process.readErrors());
     return m_errors;
 }
 
@@ -131,14 +112,14 @@ int SimulatorProcess::threads() const
 
 int SimulatorProcess::descriptors() const
 {
-    return QDir(QStringLiteral("/proc/%1/fd").arg(m_process.processId()))
+    return QDir(QStringLiteral("/proc/%1/fd").arg(m_process.id()))
         .entryList(QDir::NoDotAndDotDot | QDir::AllEntries | QDir::System)
         .size();
 }
 
 QByteArray SimulatorProcess::status(const char* field) const
 {
-    QFile file(QStringLiteral("/proc/%1/status").arg(m_process.processId()));
+    QFile file(QStringLiteral("/proc/%1/status").arg(m_process.id()));
     if (file.open(QIODevice::ReadOnly)) {
         for (const QByteArray& line : file.readAll().split('\n')) {
             if (line.startsWith(field)) {

@@ -1,9 +1,10 @@
 #ifndef TOLVAR_VARUNDO_TEST_SIMULATORPROCESS_H
 #define TOLVAR_VARUNDO_TEST_SIMULATORPROCESS_H
 
+#include "PipedProcess.h"
+
 #include <QByteArray>
 #include <QJsonObject>
-#include <QProcess>
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
@@ -33,14 +34,14 @@ public:
     QString readyLine() const { return m_readyLine; }
     int port() const;
     QString controllerDevice() const; ///< the controller's end of the serial line; empty without one
-    int exitStatus() const;
+    int exitStatus() const { return m_process.exitStatus(); }
     QString errors(); ///< all so far
 
     int residentKiB() const;
     int descriptors() const;
     int threads() const;
-    QString output() { return QString::fromUtf8(m_process.readAllStandardOutput()); }
-    bool isRunning() const { return m_process.state() == QProcess::Running; }
+    QString output() { return QString::fromUtf8(m_process.readOutput()); }
+    bool isRunning() { return m_process.isRunning(); }
 
     QString pictureFile() const { return m_dir.filePath(QStringLiteral("picture.png")); }
     QString stateFile() const { return m_dir.filePath(QStringLiteral("state.json")); }
@@ -56,7 +57,7 @@ private:
     QByteArray status(const char* field) const;
 
     QTemporaryDir m_dir;
-    QProcess m_process;
+    PipedProcess m_process;
     QString m_readyLine;
     QString m_errors;
 };

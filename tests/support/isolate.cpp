@@ -122,7 +122,7 @@ int main(int argc, char** argv)
         return 1;
     }
     setenv("VARUNDO_TEST_ISOLATION", isolation.c_str(), 1);
-    execv(argv[1], argv + 1);
+    execvp(argv[1], argv + 1);
     std::fprintf(stderr, "isolate: cannot run %s: %s\n", argv[1], std::strerror(errno));
     return 127;
 }
