@@ -37,6 +37,12 @@ public:
 
     bool isOpen() const { return m_descriptor >= 0; }
     void claim() const { ioctl(m_descriptor, TIOCEXCL); }
+    /// Not everywhere does the kernel, or what stands between it and us, tell who has claimed a line.
+    bool canTellClaims() const
+    {
+        int claimed = 0;
+        return ioctl(m_descriptor, TIOCGEXCL, &claimed) == 0;
+    }
     bool isClaimed() const
     {
         int claimed = 0;
@@ -310,6 +316,9 @@ void tst_VirtualSerialLine::claimOfAKilledControllerIsLifted()
     QString error;
     QVERIFY2(line.plug(&error), qPrintable(error));
     const End next(line.controller());
+    if (!next.canTellClaims()) {
+        QSKIP("the emulator does not know the question whether a line is claimed (TIOCGEXCL)");
+    }
     {
         const End killed(line.controller());
         killed.claim();

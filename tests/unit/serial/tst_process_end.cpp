@@ -15,8 +15,8 @@ using namespace Tolvar::Varundo::Test;
 
 namespace {
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr int Runs = 25; // ten times slower there, and told of a single wrong access
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__) || defined(VARUNDO_EMULATED)
+constexpr int Runs = 25; // ten times slower there; and a sanitizer tells of a single wrong access
 #else
 constexpr int Runs = 500;
 #endif
