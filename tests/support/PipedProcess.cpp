@@ -185,7 +185,7 @@ QByteArray PipedProcess::readLine()
 {
     exchange();
     const int length = m_output.indexOf('\n') + 1;
-    const QByteArray line = m_output.left(length);
+    QByteArray line = m_output.left(length);
     m_output.remove(0, length);
     return line;
 }
