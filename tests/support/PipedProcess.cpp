@@ -42,7 +42,7 @@ void closeEnd(int* end)
 }
 
 /// Takes what is there, and closes the end when nothing can follow.
-void receive(int* end, QByteArray* into)
+void receive(int* end, QSocketNotifier* notifier, QByteArray* into)
 {
     std::array<char, 4096> block{};
     while (*end >= 0) {
@@ -50,6 +50,7 @@ void receive(int* end, QByteArray* into)
         if (count > 0) {
             into->append(block.data(), static_cast<int>(count));
         } else if (count == 0) {
+            notifier->setEnabled(false);
             closeEnd(end);
         } else if (errno != EINTR) {
             return;
@@ -86,6 +87,8 @@ PipedProcess::~PipedProcess()
         sendSignal(SIGKILL);
         waitpid(m_pid, nullptr, 0);
     }
+    m_outputNotifier.reset();
+    m_errorNotifier.reset();
     for (int* end : {&m_inputEnd, &m_outputEnd, &m_errorEnd}) {
         closeEnd(end);
     }
@@ -127,6 +130,8 @@ bool PipedProcess::start(const QString& program, const QStringList& arguments)
     m_inputEnd = input.keep(1, 0);
     m_outputEnd = output.keep(0, 1);
     m_errorEnd = errors.keep(0, 1);
+    m_outputNotifier = whenReadable(m_outputEnd);
+    m_errorNotifier = whenReadable(m_errorEnd);
     return !m_ended;
 }
 
@@ -202,11 +207,18 @@ QByteArray PipedProcess::readErrors()
     return std::exchange(m_errors, {});
 }
 
+std::unique_ptr<QSocketNotifier> PipedProcess::whenReadable(int end)
+{
+    auto notifier = std::make_unique<QSocketNotifier>(end, QSocketNotifier::Read);
+    QObject::connect(notifier.get(), &QSocketNotifier::activated, notifier.get(), [this] { exchange(); });
+    return notifier;
+}
+
 void PipedProcess::exchange()
 {
     sendInput();
-    receive(&m_outputEnd, &m_output);
-    receive(&m_errorEnd, &m_errors);
+    receive(&m_outputEnd, m_outputNotifier.get(), &m_output);
+    receive(&m_errorEnd, m_errorNotifier.get(), &m_errors);
 }
 
 void PipedProcess::sendInput()

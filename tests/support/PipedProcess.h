@@ -3,9 +3,11 @@
 
 #include <QByteArray>
 #include <QMap>
+#include <QSocketNotifier>
 #include <QString>
 #include <QStringList>
 
+#include <memory>
 #include <sys/types.h>
 
 namespace Tolvar::Varundo::Test {
@@ -43,6 +45,7 @@ public:
     QByteArray readErrors();
 
 private:
+    std::unique_ptr<QSocketNotifier> whenReadable(int end);
     void exchange();
     void sendInput();
     void noticeEnd();
@@ -55,6 +58,8 @@ private:
     int m_inputEnd = -1;
     int m_outputEnd = -1;
     int m_errorEnd = -1;
+    std::unique_ptr<QSocketNotifier> m_outputNotifier;
+    std::unique_ptr<QSocketNotifier> m_errorNotifier;
     QByteArray m_unsent;
     QByteArray m_output;
     QByteArray m_errors;
