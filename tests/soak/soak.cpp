@@ -65,13 +65,17 @@ private:
     void disturb();
     void select(const QByteArray& interface);
     void pull();
-    void afterwards(int ms, const std::function<void()>& what) { QTimer::singleShot(ms, this, what); }
+    void afterwards(int ms, const std::function<void()>& what)
+    {
+        QTimer::singleShot(ms, m_plans.get(), what);
+    }
     int verdict();
 
     int m_seconds;
     quint32 m_seed;
     SimulatorProcess m_unit;
-    QStringList m_refused; // what the unit did not do
+    std::unique_ptr<QObject> m_plans = std::make_unique<QObject>(); // what is due later goes with it
+    QStringList m_refused;                                          // what the unit did not do
 
     std::unique_ptr<Client::TcpLink> m_tcpLink;
     std::unique_ptr<Client::SerialLink> m_serialLink;
@@ -111,6 +115,10 @@ int Soak::run()
     disturbing.start(disturbanceMs);
     QTimer::singleShot(m_seconds * 1000, qApp, &QCoreApplication::quit);
     QCoreApplication::exec();
+    // A unit may take its time to end, and nothing is to be asked of it meanwhile.
+    sampling.stop();
+    disturbing.stop();
+    m_plans.reset();
     return verdict();
 }
 
