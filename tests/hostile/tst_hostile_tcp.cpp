@@ -170,7 +170,9 @@ void TestHostileTcp::tenThousandConnectionsLeaveNothingBehind()
             peer.reset();
         }
     }
-    QTRY_COMPARE_WITH_TIMEOUT(m_unit->descriptors(), m_descriptors, 30000);
+    // A slow unit has its queue overrun all the same, and then the kernel tries for up to a minute to
+    // complete connections whose peers have gone.
+    QTRY_COMPARE_WITH_TIMEOUT(m_unit->descriptors(), m_descriptors, 120000);
     QVERIFY(isServing());
 }
 
