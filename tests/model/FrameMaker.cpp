@@ -55,8 +55,8 @@ Bytes FrameMaker::command(int codec)
     return unlikely();
 }
 
-/// Any command, whether there is one or not. (A call's arguments have no order; random numbers must have
-/// one.)
+/// Any command, whether there is one or not. (Neither the arguments of a call nor the operands of a sum have
+/// an order; random numbers must have one.)
 Bytes FrameMaker::unlikely()
 {
     const int command = 1 + m_random.below(255);
@@ -70,9 +70,11 @@ Bytes FrameMaker::execute()
     if (m_random.oneIn(8)) {
         command = m_random.oneIn(4) ? 0x88 : m_random.oneOf(Actions);
     } else if (m_random.oneIn(4)) {
-        command = m_random.oneOf(ShowStatusLine) + m_random.below(3);
+        command = m_random.oneOf(ShowStatusLine);
+        command += m_random.below(3);
     } else {
-        command = m_random.oneOf(Items).show + m_random.below(3);
+        command = m_random.oneOf(Items).show;
+        command += m_random.below(3);
     }
     return frame(command, Execute, m_random.oneIn(6) ? randomBytes(m_random.below(4)) : Bytes());
 }

@@ -113,8 +113,9 @@ Bytes FrameMaker::text(int codec)
     if (m_random.oneIn(12)) {
         return randomBytes(m_random.below(m_random.oneIn(10) ? 300 : 12));
     }
-    Bytes bytes =
-        encoded(m_random.oneIn(8) ? m_random.below(3) : codec, std::u16string(m_random.oneOf(Texts)));
+    const std::u16string words(m_random.oneOf(Texts));
+    const int codecUsed = m_random.oneIn(8) ? m_random.below(3) : codec;
+    Bytes bytes = encoded(codecUsed, words);
     if (codec == 2 && bytes.size() % 2 == 0) {
         const bool highFirst = m_random.oneIn(3);
         for (std::size_t at = 0; highFirst && at < bytes.size(); at += 2) {
