@@ -40,10 +40,20 @@ bool isSensible(const HostTrigger& trigger, const HostAction& action)
     return !(answersWithItsOwn && action.name == QByteArray("destroys the overlay"));
 }
 
+/// An emulator takes seconds to start a unit, and what a host's slot may do hangs on the library's order of
+/// calls, not on the processor: there, some rows show that it holds for the unit's build, too.
+#ifdef VARUNDO_EMULATED
+constexpr size_t OneRowIn = 5;
+#else
+constexpr size_t OneRowIn = 1;
+#endif
+
 /// With VARUNDO_TEST_EVERY_ROW set, every trigger is tried with every action over TCP, which takes a while.
 std::vector<Row> rowsOf(const QByteArray& road)
 {
     const bool everyRow = qEnvironmentVariableIsSet("VARUNDO_TEST_EVERY_ROW");
+    const size_t oneRowIn = everyRow ? 1 : OneRowIn;
+    size_t count = 0;
     std::vector<Row> rows;
     for (const HostTrigger& trigger : hostTriggers()) {
         const bool isOneOfItsKind = trigger.roads == HostTrigger::Roads::Both;
@@ -52,7 +62,7 @@ std::vector<Row> rowsOf(const QByteArray& road)
         }
         for (const HostAction& action : hostActions()) {
             const bool isDue = isOneOfItsKind || action.isHarsh() || everyRow;
-            if (isDue && isSensible(trigger, action)) {
+            if (isDue && isSensible(trigger, action) && count++ % oneRowIn == 0) {
                 rows.push_back({road, nameOf(trigger), nameOf(action)});
             }
         }
