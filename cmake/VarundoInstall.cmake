@@ -1,4 +1,7 @@
-# What a host finds after installation: headers, the CMake package, the pkg-config file.
+# What is found after installation: headers, the CMake package, the pkg-config file, manual pages, completions.
+#
+# Components: Server, Platform and Client are a shared library each, Development is what a program is built with, Tools
+# the programs themselves.
 include(CMakePackageConfigHelpers)
 
 set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/VarundoServer")
@@ -24,3 +27,25 @@ endif()
 configure_file(cmake/varundoserver.pc.in "${PROJECT_BINARY_DIR}/varundoserver.pc" @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/varundoserver.pc"
   DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT Development)
+
+# varundo_install_compressed(FILE DESTINATION COMPONENT): as FILE.gz, the same bytes each time. Without gzip as it is.
+find_program(VARUNDO_GZIP gzip DOC "Compresses manual pages and changelogs")
+function(varundo_install_compressed file destination component)
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${file}")
+  if(VARUNDO_GZIP)
+    get_filename_component(name "${file}" NAME)
+    set(compressed "${PROJECT_BINARY_DIR}/compressed/${name}.gz")
+    file(MAKE_DIRECTORY "${PROJECT_BINARY_DIR}/compressed")
+    execute_process(COMMAND "${VARUNDO_GZIP}" -9nc "${file}" OUTPUT_FILE "${compressed}" COMMAND_ERROR_IS_FATAL ANY)
+    set(file "${compressed}")
+  endif()
+  install(FILES "${file}" DESTINATION "${destination}" COMPONENT ${component})
+endfunction()
+
+foreach(program varundo-simulator zelctl)
+  if(TARGET ${program})
+    varundo_install_compressed("${PROJECT_SOURCE_DIR}/packaging/man/${program}.1" "${CMAKE_INSTALL_MANDIR}/man1" Tools)
+    install(FILES packaging/completions/${program}
+      DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions" COMPONENT Tools)
+  endif()
+endforeach()
