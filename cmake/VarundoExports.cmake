@@ -10,12 +10,12 @@ function(varundo_limit_exports target)
   file(STRINGS "${private_file}" private_functions REGEX "^[^#]")
   set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${private_file}")
 
-  # Patterns are without quotes, which is why a '?' stands for a blank; whole names are in quotes.
+  # Patterns are without quotes, which is why a '?' stands for a blank or a tilde; whole names are in quotes.
   set(global)
   foreach(class IN LISTS arg_CLASSES)
     string(REGEX MATCH "[^:]+$" name "${class}")
     string(APPEND global
-      "      ${class}::[a-z~]*;\n      ${class}::${name}*;\n      non-virtual?thunk?to?${class}::[a-z~]*;\n"
+      "      ${class}::[a-z]*;\n      ${class}::${name}*;\n      ${class}::?${name}*;\n      non-virtual?thunk?to?${class}::*;\n"
       "      \"vtable for ${class}\";\n      \"typeinfo for ${class}\";\n      \"typeinfo name for ${class}\";\n")
   endforeach()
   foreach(namespace IN LISTS arg_NAMESPACES)

@@ -33,23 +33,24 @@ def entries(library):
         yield current
 
 
-def is_private(tag_of_class, attributes):
+def is_private(class_tag, attributes):
     # Without the attribute it is what the language says: private in a class, public in a struct.
-    default = "3 (private)" if tag_of_class == "DW_TAG_class_type" else "1 (public)"
+    default = "3 (private)" if class_tag == "DW_TAG_class_type" else "1 (public)"
     return attributes.get("DW_AT_accessibility", default).strip().startswith("3")
 
 
 def private_functions(library):
     parents = {}
     for depth, tag, attributes in entries(library):
-        parents[depth] = tag
-        tag_of_class = parents.get(depth - 1)
+        parents[depth] = (tag, attributes)
+        class_tag, class_attributes = parents.get(depth - 1, (None, {}))
         if (
             tag == "DW_TAG_subprogram"
-            and tag_of_class in ("DW_TAG_class_type", "DW_TAG_structure_type")
+            and class_tag in ("DW_TAG_class_type", "DW_TAG_structure_type")
+            and "DW_AT_declaration" not in class_attributes  # of these, not everything is told
             and "DW_AT_linkage_name" in attributes
             and "DW_AT_virtuality" not in attributes
-            and is_private(tag_of_class, attributes)
+            and is_private(class_tag, attributes)
         ):
             yield attributes["DW_AT_linkage_name"].split()[-1]
 
