@@ -40,6 +40,15 @@ install_packages() {
     rm -f "$log"
 }
 
+# The sources of Debian itself as the machine's apt knows them: whatever mirror, without what others added. The security
+# suite is left out, so that packages cannot skew among themselves.
+debian_sources() {
+    local keyring=/usr/share/keyrings/debian-archive-keyring.gpg options=
+    [[ -r $keyring ]] && options="[signed-by=$keyring] "
+    apt-get indextargets --format '$(CREATED_BY)|$(ORIGIN)|$(LABEL)|deb '"$options"'$(REPO_URI) $(RELEASE) $(COMPONENT)' |
+        sed -n 's/^Packages|Debian|Debian|//p' | sort -u
+}
+
 # build PRESET [TARGET...]: configures and builds; the compiler's words are shown only when something is wrong.
 build() {
     local preset=$1 log
