@@ -24,6 +24,14 @@ set(pkgconfig_libs "-lvarundoserver")
 if(VARUNDO_PLATFORM STREQUAL "reference")
   string(APPEND pkgconfig_libs " -lvarundoplatform")
 endif()
+# Of the system's own directories pkg-config says where they are in a sysroot; elsewhere the file says what is beside it,
+# also when it was installed into another prefix than it was configured for.
+if(CMAKE_INSTALL_PREFIX STREQUAL "/usr" OR IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}")
+  set(pkgconfig_prefix "${CMAKE_INSTALL_PREFIX}")
+else()
+  file(RELATIVE_PATH pkgconfig_prefix "/prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig" /prefix)
+  string(REGEX REPLACE "/$" "" pkgconfig_prefix "\${pcfiledir}/${pkgconfig_prefix}")
+endif()
 configure_file(cmake/varundoserver.pc.in "${PROJECT_BINARY_DIR}/varundoserver.pc" @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/varundoserver.pc"
   DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT Development)

@@ -1,4 +1,5 @@
-// A recording application, reduced to what the library wants of it: an overlay, a device, a clock, and a Runner.
+// A recording application, reduced to what the library wants of it: an overlay, a device, a clock, and a
+// Runner.
 //
 //   example-host PROFILE.json [SETTINGS.json]
 
