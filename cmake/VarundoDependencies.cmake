@@ -6,7 +6,7 @@ if(NOT DEFINED minimum_${CMAKE_CXX_COMPILER_ID})
     "Debian: apt-get install g++")
 elseif(CMAKE_CXX_COMPILER_VERSION VERSION_LESS minimum_${CMAKE_CXX_COMPILER_ID})
   message(FATAL_ERROR "C++17 as used here needs GCC or Clang ${minimum_${CMAKE_CXX_COMPILER_ID}} or newer; "
-    "${CMAKE_CXX_COMPILER} is ${CMAKE_CXX_COMPILER_VERSION}")
+    "${CMAKE_CXX_COMPILER} is ${CMAKE_CXX_COMPILER_VERSION}. Debian 11 and newer have it: apt-get install g++")
 endif()
 
 # A sysroot's moc and rcc run on the unit, not here: Qt's package takes those that are known already.
