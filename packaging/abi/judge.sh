@@ -2,12 +2,14 @@
 # an earlier one.
 
 # interface_of LIBRARY OUTPUT [HEADER-DIRECTORY...]: with the types that headers show; the rest is the library's affair.
+# Nothing that differs from machine to machine or when a line is added above another.
 interface_of() {
     local library=$1 output=$2 directory options=()
     shift 2
     for directory in "$@"; do options+=(--headers-dir "$directory"); done
-    abidw --no-show-locs --no-corpus-path --no-comp-dir-path --no-elf-needed --drop-private-types "${options[@]}" \
-        --out-file "$output" "$library"
+    abidw --exported-interfaces-only --drop-private-types --type-id-style hash \
+        --no-show-locs --no-corpus-path --no-comp-dir-path --no-elf-needed --no-parameter-names --no-write-default-sizes \
+        "${options[@]}" --out-file "$output" "$library"
 }
 
 soname_of() { sed -n "1s/.* soname='\([^']*\)'.*/\1/p" "$1"; }
