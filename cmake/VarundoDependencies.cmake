@@ -13,7 +13,8 @@ endif()
 if(CMAKE_CROSSCOMPILING)
   foreach(tool moc rcc qmake)
     find_program(VARUNDO_QT_HOST_${tool} ${tool}
-      HINTS "${VARUNDO_QT_HOST_TOOLS}" "$ENV{VARUNDO_QT_HOST_TOOLS}" "$ENV{OE_QMAKE_PATH_EXTERNAL_HOST_BINS}"
+      HINTS "${VARUNDO_QT_HOST_TOOLS}" "$ENV{VARUNDO_QT_HOST_TOOLS}"
+        "${OE_QMAKE_PATH_EXTERNAL_HOST_BINS}" "$ENV{OE_QMAKE_PATH_EXTERNAL_HOST_BINS}"
       PATHS /usr/lib/qt5/bin)
     if(NOT VARUNDO_QT_HOST_${tool})
       message(FATAL_ERROR "${tool} of Qt 5 for this machine is missing. Debian: apt-get install qtbase5-dev-tools; "
