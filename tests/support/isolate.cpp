@@ -67,8 +67,7 @@ bool bindNode(const std::string& root, const char* name)
     if (file >= 0) {
         close(file);
     }
-    return file >= 0 &&
-           mount((std::string("/dev/") + name).c_str(), node.c_str(), "", MS_BIND, nullptr) == 0;
+    return file >= 0 && mount((std::string("/dev/") + name).c_str(), node.c_str(), "", MS_BIND, nullptr) == 0;
 }
 
 /// A /dev of our own is built beside the old one, which it needs nodes of, and then moved over it.
