@@ -1,5 +1,6 @@
 # Sourced by scripts/abi and by its own test: what a shared library's binary interface is, and whether it may differ from
 # an earlier one.
+# shellcheck shell=bash disable=SC2154
 
 # interface_of LIBRARY OUTPUT [HEADER-DIRECTORY...]: with the types that headers show; the rest is the library's affair.
 # Nothing that differs from machine to machine or when a line is added above another.
@@ -16,7 +17,9 @@ soname_of() { sed -n "1s/.* soname='\([^']*\)'.*/\1/p" "$1"; }
 
 # Whether version $1 has another major number than $2, or else a higher minor one.
 is_newer_minor() {
-    local new=(${1//./ }) old=(${2//./ })
+    local new old
+    IFS=. read -ra new <<<"$1"
+    IFS=. read -ra old <<<"$2"
     ((new[0] != old[0] || new[1] > old[1]))
 }
 
