@@ -1,6 +1,8 @@
 #include "JsonWords.h"
 
 #include <QByteArray>
+#include <QJsonArray>
+#include <QJsonDocument>
 #include <QJsonObject>
 #include <QJsonValue>
 
@@ -10,11 +12,13 @@ namespace {
 
 constexpr int longestQuotation = 60;
 
+/// As JSON writes it, so that a message stays one line.
 QString quoted(const QString& text)
 {
-    const bool isLong = text.size() > longestQuotation;
-    return QStringLiteral("\"%1%2\"")
-        .arg(text.left(longestQuotation), isLong ? QStringLiteral("...") : QString());
+    const QString shown =
+        text.size() > longestQuotation ? text.left(longestQuotation) + QStringLiteral("...") : text;
+    const QByteArray array = QJsonDocument(QJsonArray{shown}).toJson(QJsonDocument::Compact);
+    return QString::fromUtf8(array.mid(1, array.size() - 2));
 }
 
 } // namespace

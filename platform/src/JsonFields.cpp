@@ -1,6 +1,8 @@
 #include "JsonFields.h"
 
 #include <QColor>
+#include <QJsonArray>
+#include <QJsonDocument>
 
 #include <cmath>
 #include <utility>
@@ -11,11 +13,13 @@ namespace {
 
 constexpr int longestQuotation = 60;
 
+/// As JSON writes it, so that a fault stays one line.
 QString quoted(const QString& text)
 {
     const QString shown =
         text.size() > longestQuotation ? text.left(longestQuotation) + QStringLiteral("...") : text;
-    return QLatin1Char('"') + shown + QLatin1Char('"');
+    const QByteArray array = QJsonDocument(QJsonArray{shown}).toJson(QJsonDocument::Compact);
+    return QString::fromUtf8(array.mid(1, array.size() - 2));
 }
 
 /// QColor also takes "#RGB" and wider forms; a profile has one form with transparency and one without.

@@ -35,6 +35,7 @@ void load(const QByteArray& json)
     if (!loaded) {
         demand(manager.getElementList() == before, "a bad profile changes nothing");
         demand(error.startsWith(QStringLiteral("input")), "the reason begins with the file's name");
+        demand(!error.contains(QLatin1Char('\n')), "the reason is one line");
         return;
     }
     demand(heapInUse() - heapBefore < allowance + allowancePerByte * json.size(),

@@ -86,6 +86,8 @@ void TestPlatformProfileErrors::addDocumentFaults()
         "p.json: unknown field \"elments\"; known here are name, elements");
     add("field without a name", R"({"": 1, "elements": []})",
         "p.json: unknown field \"\"; known here are name, elements");
+    add("line end in a field", R"({"a\nb": 1, "elements": []})",
+        R"(p.json: unknown field "a\nb"; known here are name, elements)");
     add("element is a number", third("7"), "p.json: elements[2]: expected an object, got 7");
     add("element is an array", third("[]"), "p.json: elements[2]: expected an object, got an array");
 }
