@@ -1,0 +1,136 @@
+"""Compares servers over real sockets: side by side, in interleaved rounds, server and load on one processor."""
+
+import json
+import os
+import socket
+import statistics
+import subprocess
+import sys
+
+SERVERS = {
+    # name: (program, protocol that the load speaks, what it is)
+    "library": ("unit_server", "zel", "the library in a bare host"),
+    "Qt floor": ("qt_floor", "zel", "QTcpServer that decodes nothing"),
+    "epoll floor": ("epoll_floor", "zel", "epoll by hand, decodes nothing"),
+    "QtSerialBus": ("serialbus_server", "modbus", "QtSerialBus' Modbus server"),
+    "libmodbus": ("libmodbus_server", "modbus", "libmodbus' server"),
+}
+
+SCENARIOS = {
+    "one": "read requests, one at a time",
+    "many": "read requests, 64 outstanding",
+    "writes": "write commands, one at a time",
+    "large": "largest frames",
+    "bytes": "read requests, byte by byte",
+}
+
+# Server and load take turns on one processor, so what they did not use went to others on this machine.
+LEAST_SHARE = 0.90
+TRIES = 4
+
+
+def free_port():
+    with socket.socket() as probe:
+        probe.bind(("127.0.0.1", 0))
+        return probe.getsockname()[1]
+
+
+class Server:
+    """One server process, pinned, for as long as the with statement lasts."""
+
+    def __init__(self, programs, name, scenario, cpu):
+        self.port = free_port()
+        program = os.path.join(programs, SERVERS[name][0])
+        self.process = subprocess.Popen(
+            [program, str(self.port), scenario],
+            stdout=subprocess.PIPE, preexec_fn=lambda: os.sched_setaffinity(0, {cpu}))
+        if self.process.stdout.readline().strip() != b"ready":
+            raise RuntimeError(f"{program} did not become ready")
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        self.process.kill()
+        self.process.wait()
+        self.process.stdout.close()
+
+
+def run_once(programs, name, scenario, seconds, cpu):
+    with Server(programs, name, scenario, cpu) as server:
+        load = subprocess.run(
+            [os.path.join(programs, "load"), str(server.port), str(server.process.pid), SERVERS[name][1], scenario,
+             str(seconds)],
+            stdout=subprocess.PIPE, check=True, preexec_fn=lambda: os.sched_setaffinity(0, {cpu}))
+        return json.loads(load.stdout)
+
+
+def run(programs, name, scenario, seconds, cpu):
+    """The undisturbed run of a few, or the least disturbed."""
+    runs = []
+    for _ in range(TRIES):
+        runs.append(run_once(programs, name, scenario, seconds, cpu))
+        if runs[-1]["share"] >= LEAST_SHARE:
+            break
+    return max(runs, key=lambda figures: figures["share"])
+
+
+def spread(values):
+    """Median, and the range of all rounds."""
+    return {"median": statistics.median(values), "least": min(values), "most": max(values)}
+
+
+def progress(text):
+    if sys.stderr.isatty():
+        print(text, end="", file=sys.stderr, flush=True)
+
+
+def compare(programs, rounds, seconds, cpu, servers, scenarios):
+    """For each scenario and server: median and range of each figure."""
+    figures = {scenario: {name: [] for name in servers} for scenario in scenarios}
+    for number in range(rounds):
+        for scenario in scenarios:
+            for name in servers:
+                progress(f"\rround {number + 1} of {rounds}: {scenario:8}{name:14}")
+                figures[scenario][name].append(run(programs, name, scenario, seconds, cpu))
+    progress("\r" + " " * 50 + "\r")
+    return {
+        scenario: {
+            name: {key: spread([one[key] for one in of_server]) for key in of_server[0]}
+            for name, of_server in of_scenario.items()
+        }
+        for scenario, of_scenario in figures.items()
+    }
+
+
+def table(results):
+    """Lines of text, one server each."""
+    lines = []
+    for scenario, of_scenario in results.items():
+        lines.append(f"{SCENARIOS[scenario]}")
+        lines.append(f"  {'':12} {'requests/s':>11} {'spread':>17} {'MB/s':>7} {'CPU us':>7} {'p50 us':>7} {'p99.9':>7}"
+                     f" {'wakes':>6} {'peak MiB':>8} {'share':>6}")
+        for name, figures in of_scenario.items():
+            rate = figures["rate"]
+            lines.append(
+                f"  {name:12} {rate['median']:11,.0f} {rate['least']:8,.0f}-{rate['most']:8,.0f}"
+                f" {figures['bytes_per_second']['median'] / 1e6:7.1f}"
+                f" {figures['server_ns']['median'] / 1e3:7.2f} {figures['p50_ns']['median'] / 1e3:7.1f}"
+                f" {figures['p999_ns']['median'] / 1e3:7.1f} {figures['switches']['median']:6.2f}"
+                f" {figures['peak_kib']['median'] / 1024:8.1f} {figures['share']['median']:6.2f}")
+    return lines
+
+
+if __name__ == "__main__":
+    import argparse
+
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.add_argument("programs", help="where the programs are")
+    parser.add_argument("--rounds", type=int, default=5)
+    parser.add_argument("--seconds", type=float, default=1.0, help="of each run")
+    parser.add_argument("--cpu", type=int, default=max(os.sched_getaffinity(0)))
+    parser.add_argument("--servers", default=",".join(SERVERS))
+    parser.add_argument("--scenarios", default=",".join(SCENARIOS))
+    given = parser.parse_args()
+    print("\n".join(table(compare(given.programs, given.rounds, given.seconds, given.cpu, given.servers.split(","),
+                                  given.scenarios.split(",")))))
