@@ -8,6 +8,7 @@
 
 #include <arpa/inet.h>
 #include <netinet/tcp.h>
+#include <poll.h>
 #include <sched.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -63,8 +64,11 @@ std::int64_t statusFigure(pid_t process, const char* key)
     return figure;
 }
 
-int connectTo(std::uint16_t port)
+/// Is woken when a whole reply is there, not by its acknowledgement: half a wake-up more or less of the load
+/// would be counted as the server's.
+int connectTo(std::uint16_t port, std::size_t bytesToWakeFor)
 {
+    const int leastBytes = static_cast<int>(bytesToWakeFor);
     const int handle = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
     sockaddr_in address{};
     address.sin_family = AF_INET;
@@ -72,7 +76,8 @@ int connectTo(std::uint16_t port)
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     const int on = 1;
     if (handle < 0 || connect(handle, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
-        setsockopt(handle, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on) != 0) {
+        setsockopt(handle, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on) != 0 ||
+        setsockopt(handle, SOL_SOCKET, SO_RCVLOWAT, &leastBytes, sizeof leastBytes) != 0) {
         fail("connecting");
     }
     return handle;
@@ -113,6 +118,12 @@ public:
     /// Waits for bytes; returns how many replies have become complete with them.
     std::size_t receiveReplies()
     {
+        // A receive that has taken half of a reply would not be woken by the other half any more, see
+        // connectTo().
+        pollfd readable{m_handle, POLLIN, 0};
+        if (m_scenario.outstanding == 1 && poll(&readable, 1, -1) != 1) {
+            fail("waiting");
+        }
         const ssize_t size = recv(m_handle, m_buffer.data(), m_buffer.size(), 0);
         if (size <= 0) {
             fail("the server has gone");
@@ -230,7 +241,10 @@ int main(int argc, char** argv)
         return 2;
     }
 
-    Conversation conversation(connectTo(port), *scenario);
+    // One at a time: by a whole reply, not by its acknowledgement, since waking it is counted as the server's
+    // work.
+    const std::size_t bytesToWakeFor = scenario->outstanding == 1 ? scenario->reply().size() : 1;
+    Conversation conversation(connectTo(port, bytesToWakeFor), *scenario);
     drive(conversation, *scenario, seconds / 5, nullptr); // until caches and buffers have their sizes
 
     Latencies latencies;
