@@ -38,8 +38,15 @@ Scenario zelWrite()
         false};
 }
 
-/// The largest frame that there is: a status line's text, which is decoded, and changes the overlay.
+/// The largest frame that there is. An execute command's payload is carried and never read; each toggles an
+/// element.
 Scenario zelLarge()
+{
+    return {{}, {frame(0x32, 0x00, std::string(65535, 'x'))}, bytes({0x06}), {}, 1, false};
+}
+
+/// The longest text: a status line's, which is decoded, and changes the overlay.
+Scenario zelText()
 {
     const std::string line(1, '\1');
     const std::string text(65534, 'x');
@@ -94,6 +101,8 @@ std::optional<Scenario> scenarioNamed(std::string_view name, Wire wire)
         scenario = zel ? zelWrite() : modbusWriteOf(2);
     } else if (name == "large") {
         scenario = zel ? zelLarge() : modbusWriteOf(mostRegisters);
+    } else if (name == "text" && zel) {
+        scenario = zelText();
     } else {
         return std::nullopt;
     }

@@ -26,7 +26,7 @@ struct Scenario
 
 enum class Wire { Zel, Modbus };
 
-/// "one", "many", "writes", "large" or "bytes"; nothing for any other name.
+/// "one", "many", "writes", "large", "bytes", and on our own wire "text"; nothing for any other name.
 std::optional<Scenario> scenarioNamed(std::string_view name, Wire wire);
 
 } // namespace Tolvar::Varundo::Bench

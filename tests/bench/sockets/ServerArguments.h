@@ -26,7 +26,7 @@ inline ServerArguments serverArguments(int argc, char** argv, Wire wire)
         scenario = scenarioNamed(argv[2], wire);
     }
     if (port < 1 || port > 65535 || !scenario) {
-        std::fprintf(stderr, "usage: %s PORT one|many|writes|large|bytes\n", argv[0]);
+        std::fprintf(stderr, "usage: %s PORT one|many|writes|large|text|bytes\n", argv[0]);
         std::exit(2);
     }
     return {static_cast<std::uint16_t>(port), *scenario};

@@ -21,6 +21,7 @@ SCENARIOS = {
     "many": "read requests, 64 outstanding",
     "writes": "write commands, one at a time",
     "large": "largest frames",
+    "text": "longest texts",
     "bytes": "read requests, byte by byte",
 }
 
@@ -91,13 +92,15 @@ def compare(programs, rounds, seconds, cpu, servers, scenarios):
     for number in range(rounds):
         for scenario in scenarios:
             for name in servers:
+                if scenario == "text" and SERVERS[name][1] != "zel":
+                    continue
                 progress(f"\rround {number + 1} of {rounds}: {scenario:8}{name:14}")
                 figures[scenario][name].append(run(programs, name, scenario, seconds, cpu))
     progress("\r" + " " * 50 + "\r")
     return {
         scenario: {
             name: {key: spread([one[key] for one in of_server]) for key in of_server[0]}
-            for name, of_server in of_scenario.items()
+            for name, of_server in of_scenario.items() if of_server
         }
         for scenario, of_scenario in figures.items()
     }
@@ -119,18 +122,3 @@ def table(results):
                 f" {figures['p999_ns']['median'] / 1e3:7.1f} {figures['switches']['median']:6.2f}"
                 f" {figures['peak_kib']['median'] / 1024:8.1f} {figures['share']['median']:6.2f}")
     return lines
-
-
-if __name__ == "__main__":
-    import argparse
-
-    parser = argparse.ArgumentParser(description=__doc__)
-    parser.add_argument("programs", help="where the programs are")
-    parser.add_argument("--rounds", type=int, default=5)
-    parser.add_argument("--seconds", type=float, default=1.0, help="of each run")
-    parser.add_argument("--cpu", type=int, default=max(os.sched_getaffinity(0)))
-    parser.add_argument("--servers", default=",".join(SERVERS))
-    parser.add_argument("--scenarios", default=",".join(SCENARIOS))
-    given = parser.parse_args()
-    print("\n".join(table(compare(given.programs, given.rounds, given.seconds, given.cpu, given.servers.split(","),
-                                  given.scenarios.split(",")))))

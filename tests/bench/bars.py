@@ -1,0 +1,33 @@
+"""What the library has to keep to, as ratios of medians of one run."""
+
+BARS = [
+    # scenario, figure, server to compare with, least or most, bound
+    ("one", "rate", "Qt floor", "least", 1.1),
+    ("one", "server_ns", "Qt floor", "most", 0.85),
+    ("one", "server_ns", "QtSerialBus", "most", 0.85),
+    ("many", "rate", "epoll floor", "least", 0.9),
+    ("writes", "rate", "epoll floor", "least", 0.85),
+    ("large", "bytes_per_second", "Qt floor", "least", 1.1),
+    ("bytes", "server_ns", "Qt floor", "most", 1.1),
+]
+
+WORDS = {"rate": "requests a second", "server_ns": "CPU a request", "bytes_per_second": "bytes a second"}
+
+
+def check(results):
+    """A record for each bar whose figures are there: what, the ratio, the bound, and whether it is kept."""
+    records = []
+    for scenario, figure, other, kind, bound in BARS:
+        of_scenario = results.get(scenario, {})
+        if "library" not in of_scenario or other not in of_scenario:
+            continue
+        ratio = of_scenario["library"][figure]["median"] / of_scenario[other][figure]["median"]
+        kept = ratio >= bound if kind == "least" else ratio <= bound
+        records.append({"scenario": scenario, "what": f"{WORDS[figure]}, of {other}", "ratio": round(ratio, 3),
+                        "bound": f"at {kind} {bound}", "kept": kept})
+    return records
+
+
+def table(records, titles):
+    return [f"{titles[record['scenario']]:32} {record['what']:36} {record['ratio']:6.2f}  {record['bound']:14} "
+            f"{'kept' if record['kept'] else 'MISSED'}" for record in records]

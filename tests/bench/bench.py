@@ -1,0 +1,90 @@
+"""The benchmarks' front, which scripts/bench calls with the folder of the built programs."""
+
+import argparse
+import json
+import os
+import subprocess
+import sys
+
+import bars
+import chart
+import counts
+
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "sockets"))
+import compare  # noqa: E402
+
+
+def run_sockets(folder, given):
+    results = compare.compare(os.path.join(folder, "sockets"), given.rounds, given.seconds, given.cpu,
+                              given.servers.split(","), given.scenarios.split(","))
+    kept = bars.check(results)
+    print("\n".join([*compare.table(results), "", *bars.table(kept, compare.SCENARIOS)]))
+    return {"rounds": given.rounds, "seconds": given.seconds, "results": results, "bars": kept}
+
+
+def run_micro(folder, arguments):
+    output = subprocess.run(
+        [os.path.join(folder, "operations", "micro"), "--benchmark_format=json", *arguments], check=True,
+        stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, env=counts.ENVIRONMENT).stdout
+    times = {}
+    for one in json.loads(output)["benchmarks"]:
+        # A run may do its thing several times.
+        each = 1e9 / one["items_per_second"]
+        times[one["name"]] = round(each, 1)
+    print("\n".join(f"{name:50} {each:14,.1f} ns" for name, each in times.items()))
+    return times
+
+
+def run_counts(folder, given):
+    """True if nothing has grown."""
+    counted = counts.count(os.path.join(folder, "operations", "counts"))
+    print("\n".join(counts.table(counted)))
+    if given.accept:
+        counts.accept(counted, given.accept)
+        return counted, True
+    grown = counts.growth(counted, counts.baseline()["counts"])
+    for line in grown:
+        print(f"grown: {line}", file=sys.stderr)
+    if grown:
+        print("If that is meant: scripts/bench counts --accept 'the reason', and commit the baseline with the change.",
+              file=sys.stderr)
+    return counted, not grown
+
+
+def parse(arguments):
+    parser = argparse.ArgumentParser(prog="scripts/bench", description=__doc__)
+    parser.add_argument("folder")
+    parser.add_argument("what", nargs="?", choices=["all", "sockets", "micro", "counts"], default="all")
+    parser.add_argument("--rounds", type=int, default=5)
+    parser.add_argument("--seconds", type=float, default=1.0, help="of each run over sockets")
+    parser.add_argument("--cpu", type=int, default=max(os.sched_getaffinity(0)))
+    parser.add_argument("--servers", default=",".join(compare.SERVERS))
+    parser.add_argument("--scenarios", default=",".join(compare.SCENARIOS))
+    parser.add_argument("--accept", metavar="REASON", help="make what is counted the new baseline")
+    parser.add_argument("--json", metavar="FILE", help="where all figures go")
+    parser.add_argument("--svg", metavar="FILE", help="where the plot of the comparison goes")
+    return parser.parse_known_args(arguments)
+
+
+def main():
+    given, rest = parse(sys.argv[1:])
+    figures = {}
+    kept = True
+    if given.what in ("all", "sockets"):
+        figures["sockets"] = run_sockets(given.folder, given)
+        if given.svg:
+            with open(given.svg, "w", encoding="utf-8") as file:
+                file.write(chart.draw(figures["sockets"]["results"], compare.SCENARIOS))
+    if given.what in ("all", "micro"):
+        figures["nanoseconds"] = run_micro(given.folder, rest)
+    if given.what in ("all", "counts"):
+        figures["counts"], kept = run_counts(given.folder, given)
+    if given.json:
+        with open(given.json, "w", encoding="utf-8") as file:
+            json.dump(figures, file, indent=1, ensure_ascii=False)
+            file.write("\n")
+    return 0 if kept else 1
+
+
+if __name__ == "__main__":
+    sys.exit(main())

@@ -1,0 +1,14 @@
+#ifndef TOLVAR_VARUNDO_BENCH_ALLOCATIONCOUNTER_H
+#define TOLVAR_VARUNDO_BENCH_ALLOCATIONCOUNTER_H
+
+#include <cstdint>
+
+namespace Tolvar::Varundo::Bench {
+
+/// How often this thread has asked for heap memory so far, by whatever way: malloc(), operator new, Qt's own.
+/// A program that links this has its allocations counted, also those of the libraries it uses.
+std::uint64_t allocationCount();
+
+} // namespace Tolvar::Varundo::Bench
+
+#endif

@@ -1,0 +1,74 @@
+// counts: prints how many heap allocations each operation takes, as JSON. Under callgrind, which it is made
+// for too, it has the instructions of each operation dumped under the operation's name.
+//
+// Takes the beginnings of names as arguments, to leave the others out.
+
+#include "AllocationCounter.h"
+#include "Operation.h"
+
+#include <QGuiApplication>
+#include <QLoggingCategory>
+
+#include <valgrind/callgrind.h>
+
+#include <algorithm>
+#include <cstdio>
+
+using namespace Tolvar::Varundo;
+
+namespace {
+
+constexpr int warmUps = 70; // past the first growth of everything that grows by doubling
+constexpr int runs = 16;
+
+/// What takes long is not done that often.
+bool isLarge(const std::string& name)
+{
+    return name.find("100000") != std::string::npos || name.find("profile of 1000") != std::string::npos;
+}
+
+bool isWanted(const std::string& name, int argc, char** argv)
+{
+    return argc < 2 || std::any_of(argv + 1, argv + argc,
+                                   [&](const char* beginning) { return name.rfind(beginning, 0) == 0; });
+}
+
+/// Allocations of all runs together. The instructions are the runs' own and this loop's.
+std::uint64_t measure(const Bench::OperationMaker& maker, int measuredRuns)
+{
+    const Bench::Operation operation = maker.make();
+    for (int i = 0; i < (measuredRuns > 1 ? warmUps : 2); ++i) {
+        operation.run();
+    }
+    const std::string label = std::to_string(measuredRuns * operation.times) + " x " + maker.name;
+    const std::uint64_t before = Bench::allocationCount();
+    CALLGRIND_ZERO_STATS;
+    CALLGRIND_START_INSTRUMENTATION;
+    for (int i = 0; i < measuredRuns; ++i) {
+        operation.run();
+    }
+    CALLGRIND_STOP_INSTRUMENTATION;
+    CALLGRIND_DUMP_STATS_AT(label.c_str());
+    return (Bench::allocationCount() - before) / static_cast<std::uint64_t>(operation.times);
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const QGuiApplication application(argc, argv);
+    QLoggingCategory::setFilterRules(QStringLiteral("varundo.*=false"));
+    const char* separator = "{\n";
+    for (const Bench::OperationMaker& maker : Bench::allOperations()) {
+        if (!isWanted(maker.name, argc, argv)) {
+            continue;
+        }
+        const int measuredRuns = isLarge(maker.name) ? 1 : runs;
+        std::printf("%s  \"%s\": %.4g", separator, maker.name.c_str(),
+                    static_cast<double>(measure(maker, measuredRuns)) / measuredRuns);
+        std::fflush(stdout);
+        separator = ",\n";
+    }
+    std::printf("\n}\n");
+    return 0;
+}
