@@ -44,22 +44,49 @@ void FrameReader::process()
 
     m_turn.start();
     while (wantsMore()) {
-        const bool newRead = m_rest.isEmpty();
-        const QByteArray bytes = newRead ? nextRead() : std::exchange(m_rest, QByteArray());
-        if (bytes.isEmpty()) {
+        if (!decodeNext()) {
             return;
-        }
-        const FrameCounters before = counters();
-        const qsizetype used = newRead ? m_decoder.decode(bytes.constData(), bytes.size(), *this)
-                                       : m_decoder.resume(bytes.constData(), bytes.size(), *this);
-        tellOfLosses(before);
-        if (used < bytes.size()) {
-            m_rest = bytes.mid(static_cast<int>(used));
         }
     }
     if (!isOrphaned() && m_turn.hasExpired(MaxTurnMs)) {
         callAgain();
     }
+}
+
+/// What was held back first, then what devices left that have gone, then a new read. False if there is
+/// nothing.
+bool FrameReader::decodeNext()
+{
+    if (!m_rest.isEmpty()) {
+        const QByteArray rest = std::exchange(m_rest, QByteArray());
+        const FrameCounters before = counters();
+        const qsizetype used = m_decoder.resume(rest.constData(), rest.size(), *this);
+        tellOfLosses(before);
+        m_rest = rest.mid(static_cast<int>(used));
+        return true;
+    }
+    if (!m_lastWords.isEmpty()) {
+        const QByteArray lastWords = std::exchange(m_lastWords, QByteArray());
+        return decodeRead(lastWords.constData(), lastWords.size());
+    }
+    if (!m_buffer) {
+        m_buffer.reset(new char[MaxReadBytes]);
+    }
+    return decodeRead(m_buffer.get(), read(m_buffer.get(), MaxReadBytes));
+}
+
+bool FrameReader::decodeRead(const char* bytes, int size)
+{
+    if (size <= 0) {
+        return false;
+    }
+    const FrameCounters before = counters();
+    const auto used = static_cast<int>(m_decoder.decode(bytes, size, *this));
+    tellOfLosses(before);
+    if (used < size) {
+        m_rest = QByteArray(bytes + used, size - used);
+    }
+    return true;
 }
 
 void FrameReader::leave(const QByteArray& lastWords)
@@ -101,11 +128,6 @@ void FrameReader::printableByte(quint8 byte)
     if (!isOrphaned()) {
         onPrintableByte(byte);
     }
-}
-
-QByteArray FrameReader::nextRead()
-{
-    return m_lastWords.isEmpty() ? readAvailable() : std::exchange(m_lastWords, QByteArray());
 }
 
 } // namespace Tolvar::Varundo

@@ -43,9 +43,10 @@ public:
     {}
 
 private:
-    QByteArray readAvailable() override
+    int read(char* buffer, int size) override
     {
-        return m_adaptor.m_serialPort->isOpen() ? m_adaptor.m_serialPort->readAll() : QByteArray();
+        QSerialPort& port = *m_adaptor.m_serialPort;
+        return port.isOpen() ? static_cast<int>(port.read(buffer, size)) : 0;
     }
 
     bool isBehind() const override

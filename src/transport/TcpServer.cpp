@@ -1,5 +1,6 @@
 #include <Tolvar/Varundo/TcpServer.h>
 
+#include "ClientSocket.h"
 #include "FrameReader.h"
 #include "TransportLog.h"
 
@@ -7,6 +8,8 @@
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QTimer>
+
+#include <unistd.h>
 
 #include <utility>
 
@@ -20,15 +23,15 @@ public:
     {}
 
 private:
-    QByteArray readAvailable() override
+    int read(char* buffer, int size) override
     {
-        QTcpSocket* const client = m_server.client();
-        return client ? client->readAll() : QByteArray();
+        ClientSocket* const client = m_server.client();
+        return client ? client->read(buffer, size) : 0;
     }
 
     bool isBehind() const override
     {
-        const QTcpSocket* const client = m_server.client();
+        const ClientSocket* const client = m_server.client();
         return client && client->bytesToWrite() >= MaxUnsentBytes;
     }
 
@@ -50,9 +53,53 @@ private:
     TcpServer& m_server;
 };
 
+namespace {
+
+/// A connection that waits to be taken on. Nobody reads it meanwhile.
+class WaitingConnection final : public QTcpSocket
+{
+public:
+    WaitingConnection(int descriptor, QObject* parent)
+        : QTcpSocket(parent)
+        , m_descriptor(descriptor)
+    {}
+    ~WaitingConnection() override
+    {
+        if (m_descriptor >= 0) {
+            ::close(m_descriptor);
+        }
+    }
+    int takeDescriptor() { return std::exchange(m_descriptor, -1); }
+
+private:
+    int m_descriptor;
+};
+
+} // namespace
+
+/// Leaves the descriptors of connections as they come.
+class TcpServer::Listener final : public QTcpServer
+{
+public:
+    using QTcpServer::QTcpServer;
+
+    /// -1 if no connection waits.
+    int takeNext()
+    {
+        const std::unique_ptr<QTcpSocket> next(nextPendingConnection());
+        return next ? static_cast<WaitingConnection&>(*next).takeDescriptor() : -1;
+    }
+
+private:
+    void incomingConnection(qintptr descriptor) override
+    {
+        addPendingConnection(new WaitingConnection(static_cast<int>(descriptor), this));
+    }
+};
+
 TcpServer::TcpServer(QObject* parent)
     : QObject(parent)
-    , m_server(new QTcpServer(this))
+    , m_server(new Listener(this))
     , m_reader(std::make_shared<Reader>(*this))
     , m_listeningPort(Protocol::DefaultTcpPort)
 {
@@ -68,8 +115,8 @@ TcpServer::TcpServer(QObject* parent)
 TcpServer::~TcpServer()
 {
     // The sockets go with the server; what they say on their way out must not reach half of this object.
-    const auto sockets = m_server->findChildren<QTcpSocket*>();
-    for (QTcpSocket* const socket : sockets) {
+    const auto sockets = m_server->findChildren<ClientSocket*>();
+    for (ClientSocket* const socket : sockets) {
         socket->disconnect(this);
     }
     m_reader->transportDestroyed(m_server);
@@ -82,29 +129,20 @@ const FrameCounters& TcpServer::frameCounters() const
 
 void TcpServer::newConnection()
 {
-    QTcpSocket* const socket = m_server->nextPendingConnection();
-    if (!socket) {
+    const int descriptor = m_server->takeNext();
+    if (descriptor < 0) {
         return;
     }
     m_acceptFailed = false;
     if (m_client) {
         retire(m_client);
     }
+    auto* const socket = new ClientSocket(descriptor, MaxUnreadBytes, m_server);
     m_client = socket;
-
-    // Acknowledgement and answer are two small writes; without this the second one waits for the peer's
-    // delayed ACK.
-    socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
-    // A controller whose cable was cut never says goodbye.
-    socket->setSocketOption(QAbstractSocket::KeepAliveOption, 1);
-    socket->setReadBufferSize(MaxUnreadBytes);
-    // Else the kernel lets it grow to megabytes, for each of the clients that stay open and never read.
-    socket->setSocketOption(QAbstractSocket::SendBufferSizeSocketOption, KernelSendBufferBytes);
-
-    connect(socket, &QTcpSocket::disconnected, this, [this, socket] { onDisconnected(socket); });
-    connect(socket, &QTcpSocket::readyRead, this, &TcpServer::onReadyRead);
-    connect(socket, &QTcpSocket::bytesWritten, this, [this] { process(); });
-    qCDebug(transportLog) << "client" << socket->peerAddress() << socket->peerPort() << "connected";
+    connect(socket, &ClientSocket::disconnected, this, [this, socket] { onDisconnected(socket); });
+    connect(socket, &ClientSocket::readyRead, this, &TcpServer::onReadyRead);
+    connect(socket, &ClientSocket::bytesWritten, this, [this] { process(); });
+    qCDebug(transportLog) << "client" << socket->peer() << "connected";
 }
 
 /// Whichever socket has something to say, the current client is the one that is read.
@@ -119,18 +157,27 @@ void TcpServer::onReadyRead()
 
 void TcpServer::sendACK()
 {
-    send(QByteArray(1, static_cast<char>(Protocol::Ack)));
+    sendByte(Protocol::Ack);
 }
 
 void TcpServer::sendNACK()
 {
-    send(QByteArray(1, static_cast<char>(Protocol::Nack)));
+    sendByte(Protocol::Nack);
+}
+
+void TcpServer::sendByte(quint8 byte)
+{
+    if (ClientSocket* const socket = client()) {
+        const auto reply = static_cast<char>(byte);
+        socket->send(&reply, 1);
+    }
 }
 
 void TcpServer::writeMessage(CommandMessage commandMessage)
 {
-    if (client()) {
-        send(encodeFrame(commandMessage));
+    if (ClientSocket* const socket = client()) {
+        const QByteArray frame = encodeFrame(commandMessage);
+        socket->send(frame.constData(), frame.size());
     }
 }
 
@@ -154,23 +201,22 @@ void TcpServer::listen()
 
 /// A newer client has come. The older one keeps its connection and takes what was sent to it; what it still
 /// had to say is not read any more, nor is it carried out if it was held back since it did not read.
-void TcpServer::retire(QTcpSocket* older)
+void TcpServer::retire(ClientSocket* older)
 {
     if (older->bytesToWrite() >= MaxUnsentBytes) {
         m_reader->discardRest();
     }
     m_olderClients.append(older);
     if (m_olderClients.size() > MaxOlderClients) {
-        QTcpSocket* const oldest = m_olderClients.takeFirst();
-        qCDebug(transportLog) << "closing the oldest connection," << oldest->peerAddress()
-                              << oldest->peerPort();
+        ClientSocket* const oldest = m_olderClients.takeFirst();
+        qCDebug(transportLog) << "closing the oldest connection," << oldest->peer();
         oldest->abort();
     }
 }
 
-void TcpServer::onDisconnected(QTcpSocket* socket)
+void TcpServer::onDisconnected(ClientSocket* socket)
 {
-    qCDebug(transportLog) << "client" << socket->peerAddress() << socket->peerPort() << "disconnected";
+    qCDebug(transportLog) << "client" << socket->peer() << "disconnected";
     m_olderClients.removeOne(socket);
     m_departedClients.append(socket);
     if (socket != m_client) {
@@ -179,9 +225,7 @@ void TcpServer::onDisconnected(QTcpSocket* socket)
     }
     m_client = nullptr;
     // Replies have nowhere to go any more; commands that arrived in time are carried out all the same.
-    if (socket->isOpen()) {
-        m_reader->leave(socket->readAll());
-    }
+    m_reader->leave(socket->takeUnread());
     process();
 }
 
@@ -203,7 +247,7 @@ void TcpServer::deleteDeparted()
         return;
     }
     const auto sockets = std::exchange(m_departedClients, {});
-    for (QTcpSocket* const socket : sockets) {
+    for (ClientSocket* const socket : sockets) {
         socket->deleteLater();
     }
 }
@@ -223,17 +267,9 @@ void TcpServer::onAcceptError()
 }
 
 /// Null once it has disconnected, even while its socket still exists.
-QTcpSocket* TcpServer::client() const
+ClientSocket* TcpServer::client() const
 {
-    return m_client && m_client->state() == QAbstractSocket::ConnectedState ? m_client.data() : nullptr;
-}
-
-void TcpServer::send(const QByteArray& bytes)
-{
-    if (QTcpSocket* const socket = client()) {
-        socket->write(bytes);
-        socket->flush();
-    }
+    return m_client && m_client->isConnected() ? m_client.data() : nullptr;
 }
 
 } // namespace Tolvar::Varundo

@@ -44,6 +44,18 @@ public:
     [[nodiscard]] TcpServer* operator->() { return m_server.get(); }
     void destroy() { m_server.reset(); }
 
+    /// The server's ends of its connections, older ones included.
+    [[nodiscard]] QList<QObject*> sockets() const
+    {
+        QList<QObject*> found;
+        for (QObject* const child : m_server->findChildren<QObject*>()) {
+            if (child->inherits("Tolvar::Varundo::ClientSocket")) {
+                found.append(child);
+            }
+        }
+        return found;
+    }
+
     /// What is done with every record that is passed on.
     void onRecord(std::function<void(const CommandMessage&)> action) { m_action = std::move(action); }
 

@@ -12,10 +12,9 @@
 
 #include <memory>
 
-class QTcpServer;
-class QTcpSocket;
-
 namespace Tolvar::Varundo {
+
+class ClientSocket;
 
 /// The network road: listens for controllers, serves the one that connected last, decodes and acknowledges
 /// its frames, and writes the answers.
@@ -37,7 +36,7 @@ public:
     /// acted upon. One answer may exceed it, by its own size.
     static constexpr qint64 MaxUnsentBytes = 65536;
     /// What a client's connection holds of bytes that were not read yet.
-    static constexpr qint64 MaxUnreadBytes = 65536;
+    static constexpr int MaxUnreadBytes = 65536;
     /// What the kernel holds for a connection beyond that; it takes this for half of what it needs.
     static constexpr int KernelSendBufferBytes = 131072;
     /// So many older connections stay open beside the current one; the next one closes the oldest.
@@ -70,23 +69,24 @@ signals:
     void printableCharReceived(char printableChar);
 
 private:
+    class Listener;
     class Reader;
 
     void listen();
-    void retire(QTcpSocket* older);
-    void onDisconnected(QTcpSocket* socket);
+    void retire(ClientSocket* older);
+    void onDisconnected(ClientSocket* socket);
     void process();
     void deleteDeparted();
     void onAcceptError();
-    QTcpSocket* client() const;
-    void send(const QByteArray& bytes);
+    ClientSocket* client() const;
+    void sendByte(quint8 byte);
 
-    QTcpServer* m_server;
-    QPointer<QTcpSocket> m_client;
-    QVector<QTcpSocket*> m_olderClients;    // oldest first
-    QVector<QTcpSocket*> m_departedClients; // to be deleted
-    std::shared_ptr<Reader> m_reader;       // kept by who is in it
-    bool m_acceptFailed = false;            // and was told; until the next connection
+    Listener* m_server;
+    QPointer<ClientSocket> m_client;
+    QVector<ClientSocket*> m_olderClients;    // oldest first
+    QVector<ClientSocket*> m_departedClients; // to be deleted
+    std::shared_ptr<Reader> m_reader;         // kept by who is in it
+    bool m_acceptFailed = false;              // and was told; until the next connection
     int m_listeningPort;
 };
 

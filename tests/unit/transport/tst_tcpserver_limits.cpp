@@ -122,7 +122,7 @@ void TestTcpServerLimits::clientsThatComeAndGoLeaveNoDescriptorBehind()
 {
     ObservedTcpServer server;
     QVERIFY(server.connectClient());
-    QTRY_COMPARE(server->findChildren<QTcpSocket*>().size(), 0);
+    QTRY_COMPARE(server.sockets().size(), 0);
     const auto before = openDescriptors().size();
     for (int i = 0; i < 200; ++i) {
         const auto client = server.connectClient();
@@ -133,7 +133,7 @@ void TestTcpServerLimits::clientsThatComeAndGoLeaveNoDescriptorBehind()
         }
     }
     QTRY_COMPARE(openDescriptors().size(), before);
-    QTRY_COMPARE(server->findChildren<QTcpSocket*>().size(), 0);
+    QTRY_COMPARE(server.sockets().size(), 0);
 }
 
 void TestTcpServerLimits::afterRunningOutOfDescriptorsTheServerAcceptsAgain_data()
