@@ -11,14 +11,19 @@ constexpr int mibIso8859_15 = 111;
 QTextCodec* codecFor(DataManager::TextCodec codec)
 {
     switch (codec) {
-    case DataManager::Utf8:
-        return QTextCodec::codecForName("UTF-8");
-    case DataManager::Utf16:
-        return QTextCodec::codecForName("UTF-16");
+    case DataManager::Utf8: {
+        static QTextCodec* const utf8 = QTextCodec::codecForName("UTF-8");
+        return utf8;
+    }
+    case DataManager::Utf16: {
+        static QTextCodec* const utf16 = QTextCodec::codecForName("UTF-16");
+        return utf16;
+    }
     case DataManager::Latin9:
         break;
     }
-    return QTextCodec::codecForMib(mibIso8859_15);
+    static QTextCodec* const latin9 = QTextCodec::codecForMib(mibIso8859_15);
+    return latin9;
 }
 
 } // namespace

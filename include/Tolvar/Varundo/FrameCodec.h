@@ -78,6 +78,8 @@ public:
     [[nodiscard]] const FrameCounters& counters() const { return m_counters; }
 
 private:
+    template <class Sink>
+    int acceptWhole(const char* bytes, qsizetype size, Sink& sink);
     int announcedLength() const { return m_lengthLow + 256 * m_lengthHigh; }
     void beginPayload();
     template <class Sink>
@@ -118,6 +120,15 @@ qsizetype FrameDecoder::resume(const char* bytes, qsizetype size, Sink& sink)
         const auto byte = static_cast<quint8>(bytes[at]);
         switch (m_state) {
         case State::WaitStart:
+            if (byte == Protocol::Stx) {
+                if (const int taken = acceptWhole(bytes + at, size - at, sink)) {
+                    at += taken;
+                    if (!sink.wantsMore()) {
+                        return at;
+                    }
+                    break;
+                }
+            }
             ++at;
             if (byte == Protocol::Stx) {
                 m_state = State::WaitCmdId;
@@ -183,6 +194,31 @@ qsizetype FrameDecoder::resume(const char* bytes, qsizetype size, Sink& sink)
         }
     }
     return at;
+}
+
+/// The way that nearly every frame takes: it lies whole in the read and nothing is wrong with it. Then it
+/// need not go through the states byte by byte, which would take three times as long. Returns how many bytes
+/// it has; 0, with nothing done, for any other frame.
+template <class Sink>
+int FrameDecoder::acceptWhole(const char* bytes, qsizetype size, Sink& sink)
+{
+    if (size < Protocol::FrameOverhead || !m_payload.isEmpty()) {
+        return 0;
+    }
+    const auto cmdId = static_cast<quint8>(bytes[1]);
+    const auto grpId = static_cast<quint8>(bytes[2]);
+    const int length = static_cast<quint8>(bytes[3]) + 256 * static_cast<quint8>(bytes[4]);
+    const int whole = Protocol::FrameOverhead + length;
+    if (cmdId == 0 || grpId > Protocol::LastGroup || size < whole ||
+        static_cast<quint8>(bytes[whole - 1]) != Protocol::Etx) {
+        return 0;
+    }
+    const CommandMessage message{cmdId, grpId, static_cast<quint16>(length),
+                                 length > 0 ? QByteArray(bytes + Protocol::HeaderSize, length)
+                                            : QByteArray()};
+    ++m_counters.accepted;
+    sink.frameAccepted(message);
+    return whole;
 }
 
 /// The header is complete. Payload bytes of an earlier frame that was never accepted are still in the buffer

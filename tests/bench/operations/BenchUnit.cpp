@@ -57,7 +57,11 @@ BenchUnit::BenchUnit()
     loadProfile(profileOf(0));
     m_parser = runner->findChild<CommandParser*>();
     QObject::connect(runner->findChild<ReadCommandResponder*>(), &ReadCommandResponder::commandReady,
-                     runner.get(), [this](const CommandMessage& answer) { m_answer = encodeFrame(answer); });
+                     runner.get(), [this](const CommandMessage& answer) {
+                         if (m_client < 0) { // otherwise the transport does it
+                             m_answer = encodeFrame(answer);
+                         }
+                     });
 }
 
 BenchUnit::~BenchUnit()

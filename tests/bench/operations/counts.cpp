@@ -42,14 +42,15 @@ std::uint64_t measure(const Bench::OperationMaker& maker, int measuredRuns)
     }
     const std::string label = std::to_string(measuredRuns * operation.times) + " x " + maker.name;
     const std::uint64_t before = Bench::allocationCount();
-    CALLGRIND_ZERO_STATS;
     CALLGRIND_START_INSTRUMENTATION;
+    CALLGRIND_ZERO_STATS;
     for (int i = 0; i < measuredRuns; ++i) {
         operation.run();
     }
-    CALLGRIND_STOP_INSTRUMENTATION;
+    const std::uint64_t allocations = Bench::allocationCount() - before;
     CALLGRIND_DUMP_STATS_AT(label.c_str());
-    return (Bench::allocationCount() - before) / static_cast<std::uint64_t>(operation.times);
+    CALLGRIND_STOP_INSTRUMENTATION;
+    return allocations / static_cast<std::uint64_t>(operation.times);
 }
 
 } // namespace
