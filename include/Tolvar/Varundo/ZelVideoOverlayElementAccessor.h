@@ -51,6 +51,9 @@ private:
     Mavril::VideoOverlay::CVideoOverlayText* textElement(const QString& key) const;
 
     QHash<QString, QPointer<Mavril::VideoOverlay::CVideoOverlayElement>> m_registry;
+    // Each element's latest key, so that one of very many is found without a walk; of elements that may be
+    // gone.
+    QHash<const Mavril::VideoOverlay::CVideoOverlayElement*, QString> m_keys;
 };
 
 } // namespace Tolvar::Varundo

@@ -105,6 +105,7 @@ void addSocketOperations(std::vector<OperationMaker>& list)
                          {write(0x32, QByteArray("\12\2", 2)), write(0x32, QByteArray("\13\3", 2))}, 1),
                  talking("over TCP: read a measured value", {read(0xF0)}, 11),
                  talking("over TCP: read a state", {read(0x31)}, 11),
+                 talking("over TCP: read a text", {read(0x90, QByteArray(1, '\1'))}, 12),
                  talking("over TCP: an unknown command", {write(0x02, QByteArray("\1\2", 2))}, 1)});
 }
 
