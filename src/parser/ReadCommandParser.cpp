@@ -6,6 +6,8 @@
 
 #include <Tolvar/Varundo/ReadCommandResponder.h>
 
+#include <limits>
+
 namespace Tolvar::Varundo {
 
 namespace {
@@ -17,7 +19,16 @@ using Handler = void (*)(R&, const QByteArray& payload);
 /// line 12, 0x01 0x02 is line 102). Deliberate; a payload with a digit above 9, or without any, is line 0.
 int packedDecimal(const QByteArray& payload)
 {
-    return payload.toHex().toInt(nullptr, 10);
+    qint64 number = 0;
+    for (const char pair : payload) {
+        const int high = static_cast<quint8>(pair) >> 4;
+        const int low = static_cast<quint8>(pair) & 0x0F;
+        number = number * 100 + high * 10 + low;
+        if (high > 9 || low > 9 || number > std::numeric_limits<int>::max()) {
+            return 0;
+        }
+    }
+    return static_cast<int>(number);
 }
 
 template <void (R::*slot)()>

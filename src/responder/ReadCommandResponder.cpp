@@ -202,11 +202,11 @@ void ReadCommandResponder::onReadVideoCounterValue()
 
 void ReadCommandResponder::onReadStatusLineText(int line)
 {
-    QByteArray payload(1, lowByte(line));
+    QByteArray payload;
     if (const StatusLine* const status = statusLine(line)) {
-        payload.append(m_dataManager->convertByteArrayFromText((m_dataManager->*status->text)()));
+        payload = m_dataManager->convertByteArrayFromText((m_dataManager->*status->text)());
     }
-    answer(0x90, payload);
+    answer(0x90, payload.prepend(lowByte(line)));
 }
 
 void ReadCommandResponder::onReadStatusLineState(int line)
@@ -223,12 +223,12 @@ void ReadCommandResponder::onReadStatusLineState(int line)
 
 void ReadCommandResponder::onReadLine(int line)
 {
-    QByteArray payload(1, lowByte(line));
+    QByteArray payload;
     const QStringList lines = m_dataManager->lineText();
     if (line >= 0 && line < lines.size()) {
-        payload.append(m_dataManager->convertByteArrayFromText(lines.at(line)));
+        payload = m_dataManager->convertByteArrayFromText(lines.at(line));
     }
-    answer(0x98, payload);
+    answer(0x98, payload.prepend(lowByte(line)));
 }
 
 void ReadCommandResponder::onReadSoftwareID()

@@ -11,6 +11,7 @@
 
 #include <unistd.h>
 
+#include <array>
 #include <utility>
 
 namespace Tolvar::Varundo {
@@ -175,9 +176,18 @@ void TcpServer::sendByte(quint8 byte)
 
 void TcpServer::writeMessage(CommandMessage commandMessage)
 {
-    if (ClientSocket* const socket = client()) {
-        const QByteArray frame = encodeFrame(commandMessage);
-        socket->send(frame.constData(), frame.size());
+    ClientSocket* const socket = client();
+    if (!socket) {
+        return;
+    }
+    // All answers but long texts fit in here; it saves each an allocation, one of two.
+    std::array<char, 256> shortFrame;
+    const int size = commandMessage.data.size() + Protocol::FrameOverhead;
+    if (size <= static_cast<int>(shortFrame.size())) {
+        putFrame(commandMessage, shortFrame.data());
+        socket->send(shortFrame.data(), size);
+    } else {
+        socket->send(encodeFrame(commandMessage).constData(), size);
     }
 }
 

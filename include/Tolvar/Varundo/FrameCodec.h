@@ -11,21 +11,27 @@
 
 namespace Tolvar::Varundo {
 
-/// The bytes of one frame: STX, command, group, length low, length high, payload, ETX.
+/// Puts the bytes of one frame into a buffer that has room for the payload and Protocol::FrameOverhead: STX,
+/// command, group, length low, length high, payload, ETX.
 ///
 /// The record's own length field is sent, not the payload's size. A record whose two disagree goes out
 /// with a wrong length on purpose: a payload beyond 65535 bytes has no right one.
+inline void putFrame(const CommandMessage& message, char* frame)
+{
+    frame[0] = static_cast<char>(Protocol::Stx);
+    frame[1] = static_cast<char>(message.cmdId);
+    frame[2] = static_cast<char>(message.grpId);
+    frame[3] = static_cast<char>(message.length & 0xFF);
+    frame[4] = static_cast<char>(message.length >> 8);
+    std::copy(message.data.begin(), message.data.end(), frame + Protocol::HeaderSize);
+    frame[Protocol::HeaderSize + message.data.size()] = static_cast<char>(Protocol::Etx);
+}
+
+/// The same, as bytes of its own.
 [[nodiscard]] inline QByteArray encodeFrame(const CommandMessage& message)
 {
-    QByteArray frame;
-    frame.reserve(message.data.size() + Protocol::FrameOverhead);
-    frame.append(static_cast<char>(Protocol::Stx));
-    frame.append(static_cast<char>(message.cmdId));
-    frame.append(static_cast<char>(message.grpId));
-    frame.append(static_cast<char>(message.length & 0xFF));
-    frame.append(static_cast<char>(message.length >> 8));
-    frame.append(message.data);
-    frame.append(static_cast<char>(Protocol::Etx));
+    QByteArray frame(message.data.size() + Protocol::FrameOverhead, Qt::Uninitialized);
+    putFrame(message, frame.data());
     return frame;
 }
 
