@@ -9,6 +9,9 @@ namespace Tolvar::Varundo::Bench {
 /// A program that links this has its allocations counted, also those of the libraries it uses.
 std::uint64_t allocationCount();
 
+/// How many blocks all threads together have asked for and not given back.
+std::int64_t livingBlocks();
+
 } // namespace Tolvar::Varundo::Bench
 
 #endif

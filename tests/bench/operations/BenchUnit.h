@@ -33,6 +33,8 @@ public:
     /// returns when so many bytes have come back.
     void connectOverTcp();
     void talk(const QByteArray& request, int replySize);
+    /// The system calls that talk() itself has made so far, which are none of the unit's.
+    quint64 clientCalls() const { return m_clientCalls; }
 
     void loadProfile(const QByteArray& json);
     /// Texts of a controller's in column 0 of line 1, none blank.
@@ -58,6 +60,7 @@ private:
     QByteArray m_answer;
     int m_port = 0;
     int m_client = -1;
+    quint64 m_clientCalls = 0;
 };
 
 } // namespace Tolvar::Varundo::Bench
