@@ -41,7 +41,7 @@ void appendNoise(QVector<Response>& responses, const QByteArray& bytes)
 QVector<Response> ResponseDecoder::decode(const QByteArray& bytes)
 {
     QVector<Response> responses;
-    for (const char byte : bytes) {
+    for (const char& byte : bytes) {
         decodeByte(byte, responses);
     }
     return responses;
@@ -54,7 +54,7 @@ void ResponseDecoder::reset()
 }
 
 // A byte at a time, so that a rejection costs this byte only and not the rest of the read.
-void ResponseDecoder::decodeByte(char byte, QVector<Response>& responses)
+void ResponseDecoder::decodeByte(const char& byte, QVector<Response>& responses)
 {
     ByteOutcome outcome;
     m_decoder.decode(&byte, 1, outcome);

@@ -48,7 +48,7 @@ public:
     void reset();
 
 private:
-    void decodeByte(char byte, QVector<Response>& responses);
+    void decodeByte(const char& byte, QVector<Response>& responses);
 
     FrameDecoder m_decoder;
     QByteArray m_frameBytes; // of the frame that is being received
