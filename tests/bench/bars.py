@@ -2,16 +2,16 @@
 
 BARS = [
     # scenario, figure, server to compare with, least or most, bound
-    ("one", "rate", "Qt floor", "least", 1.1),
+    ("one", "full_rate", "Qt floor", "least", 1.1),
     ("one", "server_ns", "Qt floor", "most", 0.85),
     ("one", "server_ns", "QtSerialBus", "most", 0.85),
-    ("many", "rate", "epoll floor", "least", 0.9),
-    ("writes", "rate", "epoll floor", "least", 0.85),
-    ("large", "bytes_per_second", "Qt floor", "least", 1.1),
+    ("many", "full_rate", "epoll floor", "least", 0.9),
+    ("writes", "full_rate", "epoll floor", "least", 0.85),
+    ("large", "full_bytes", "Qt floor", "least", 1.1),
     ("bytes", "server_ns", "Qt floor", "most", 1.1),
 ]
 
-WORDS = {"rate": "requests a second", "server_ns": "CPU a request", "bytes_per_second": "bytes a second"}
+WORDS = {"full_rate": "requests a second", "server_ns": "CPU a request", "full_bytes": "bytes a second"}
 
 
 def check(results):

@@ -28,7 +28,7 @@ def draw(results, titles):
     parts = []
     for row, (scenario, of_scenario) in enumerate(results.items()):
         top = 60 + row * height
-        for column, (key, unit, scale, what) in enumerate((("rate", "thousand/s", 1e3, "requests a second"),
+        for column, (key, unit, scale, what) in enumerate((("full_rate", "thousand/s", 1e3, "requests a second"),
                                                            ("server_ns", "µs", 1e3, "processor time a request"))):
             rows = [(name, *(figures[key][part] for part in ("median", "least", "most")))
                     for name, figures in of_scenario.items()]

@@ -8,6 +8,8 @@
 #include <QGuiApplication>
 #include <QtTest>
 
+#include <limits>
+
 using namespace Tolvar::Varundo;
 using namespace Tolvar::Varundo::Bench;
 using Test::hasOwn;
@@ -19,6 +21,7 @@ namespace {
 
 constexpr int warmUps = 80; // past the growth of what grows by doubling
 constexpr int requests = 100;
+constexpr int rounds = 5;
 
 const QByteArray toggle = BenchUnit::frame(0x32, Protocol::Execute);
 const QByteArray readValue = BenchUnit::frame(0xF0, Protocol::Read);
@@ -92,9 +95,14 @@ void TestLightness::requestsTakeFewAllocations()
         }
     };
     talk(warmUps);
-    const quint64 before = allocationCount();
-    talk(requests);
-    const quint64 taken = allocationCount() - before;
+    // Once a second the serial port's watcher reports, which is nobody's request: the least of a few rounds
+    // counts.
+    quint64 taken = std::numeric_limits<quint64>::max();
+    for (int i = 0; i < rounds; ++i) {
+        const quint64 before = allocationCount();
+        talk(requests);
+        taken = qMin(taken, allocationCount() - before);
+    }
     QVERIFY2(taken <= static_cast<quint64>(most * requests),
              qPrintable(QStringLiteral("%1 allocations in %2 requests").arg(taken).arg(requests)));
 }
@@ -149,7 +157,7 @@ void TestLightness::memoryStaysFlatOverManyRequests()
     talk(1000);
     const qint64 before = livingBlocks();
     talk(5000);
-    QCOMPARE(livingBlocks(), before);
+    QTRY_COMPARE(livingBlocks(), before); // the watcher may just have something under way
 }
 
 /// Else the figures above would prove nothing.
