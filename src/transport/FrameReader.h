@@ -23,8 +23,8 @@ class FrameReader : public std::enable_shared_from_this<FrameReader>
 public:
     /// So long, and the frame that is being acted upon then, the event loop is kept waiting.
     static constexpr int MaxTurnMs = 20;
-    /// The longest read of a device. All reads go into one buffer: one made for each cost an allocation, and
-    /// with large frames a fifth of the throughput.
+    /// The longest read of a device. All reads go into one buffer: one made for each costs every request an
+    /// allocation.
     static constexpr int MaxReadBytes = 65536;
     /// What is kept of the bytes of devices that have gone while a frame was acted upon.
     static constexpr int MaxLastWordsBytes = 65536;
