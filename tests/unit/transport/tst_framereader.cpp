@@ -9,6 +9,7 @@
 #include <QSignalSpy>
 #include <QtTest>
 
+#include <algorithm>
 #include <functional>
 #include <memory>
 
@@ -33,10 +34,13 @@ public:
     int calledAgain = 0;
 
 private:
-    QByteArray readAvailable() override
+    int read(char* buffer, int size) override
     {
         ++asked;
-        return reads.isEmpty() ? QByteArray() : reads.takeFirst();
+        const QByteArray bytes = reads.isEmpty() ? QByteArray() : reads.takeFirst();
+        Q_ASSERT(bytes.size() <= size);
+        std::copy(bytes.begin(), bytes.end(), buffer);
+        return bytes.size();
     }
     bool isBehind() const override { return false; }
     void callAgain() override { ++calledAgain; }
