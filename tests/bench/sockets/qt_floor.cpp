@@ -34,7 +34,7 @@ int main(int argc, char** argv)
             }
         });
     });
-    if (!server.listen(QHostAddress::LocalHost, arguments.port)) {
+    if (!server.listen(QHostAddress::Any, arguments.port)) {
         std::fprintf(stderr, "%s\n", qPrintable(server.errorString()));
         return 1;
     }
