@@ -42,12 +42,15 @@ void FrameReader::process()
     const Call call(*this);
     const QScopedValueRollback<bool> processing(m_processing, true);
 
+    if (isOrphaned() || isBehind()) {
+        return;
+    }
     m_turn.start();
-    while (wantsMore()) {
+    do {
         if (!decodeNext()) {
             return;
         }
-    }
+    } while (wantsMore());
     if (!isOrphaned() && m_turn.hasExpired(MaxTurnMs)) {
         callAgain();
     }

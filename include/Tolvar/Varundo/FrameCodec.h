@@ -57,7 +57,8 @@ struct FrameCounters
 /// - `void frameRejected()`: send a NACK; called at most once per read.
 /// - `void printableByte(quint8)`: a byte 0x20 to 0xFF outside a frame.
 /// - `void byteDiscarded(quint8)`: a control byte outside a frame; no reply.
-/// - `bool wantsMore()`: asked after each frame and each printable byte; false makes decode() return early.
+/// - `bool wantsMore()`: asked after each frame and each printable byte that more bytes follow; false makes
+/// decode() return early.
 class FrameDecoder
 {
 public:
@@ -121,6 +122,9 @@ qsizetype FrameDecoder::resume(const char* bytes, qsizetype size, Sink& sink)
         reject(sink);
         return size;
     };
+    const auto isEnough = [&] {
+        return at < size && !sink.wantsMore();
+    };
 
     while (at < size) {
         const auto byte = static_cast<quint8>(bytes[at]);
@@ -129,7 +133,7 @@ qsizetype FrameDecoder::resume(const char* bytes, qsizetype size, Sink& sink)
             if (byte == Protocol::Stx) {
                 if (const int taken = acceptWhole(bytes + at, size - at, sink)) {
                     at += taken;
-                    if (!sink.wantsMore()) {
+                    if (isEnough()) {
                         return at;
                     }
                     break;
@@ -140,7 +144,7 @@ qsizetype FrameDecoder::resume(const char* bytes, qsizetype size, Sink& sink)
                 m_state = State::WaitCmdId;
             } else if (byte >= Protocol::FirstPrintable) {
                 sink.printableByte(byte);
-                if (!sink.wantsMore()) {
+                if (isEnough()) {
                     return at;
                 }
             } else {
@@ -185,7 +189,7 @@ qsizetype FrameDecoder::resume(const char* bytes, qsizetype size, Sink& sink)
             if (byte == Protocol::Etx) {
                 ++at;
                 closeFrame(sink);
-                if (!sink.wantsMore()) {
+                if (isEnough()) {
                     return at;
                 }
                 break;
