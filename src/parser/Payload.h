@@ -31,8 +31,9 @@ public:
     /// Where the last so many bytes begin; the beginning if there are fewer.
     int lastBytes(int count) const { return qMax(0, size() - count); }
 
-    /// All bytes from an index on; none if it lies past the end.
-    QByteArray from(int index) const { return m_bytes.mid(index); }
+    /// Where the bytes from an index on begin, and how many there are; none if it lies past the end.
+    const char* from(int index) const { return m_bytes.constData() + qMin(index, size()); }
+    int sizeFrom(int index) const { return qMax(0, size() - index); }
 
 private:
     template <class Number, class Bits>

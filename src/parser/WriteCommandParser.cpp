@@ -10,6 +10,8 @@
 #include <QPoint>
 #include <QStringList>
 
+#include <algorithm>
+
 namespace Tolvar::Varundo {
 
 namespace {
@@ -48,9 +50,11 @@ QTime decodeTime(const Payload& payload)
 }
 
 /// Decodes first, then removes: under a wide codec a zero byte is half a character.
-QString decodeTextWithoutNul(const D& model, const QByteArray& bytes)
+QString decodeTextWithoutNul(const D& model, const Payload& payload, int from)
 {
-    return model.convertTextToCodec(bytes).remove(QChar(QChar::Null));
+    QString text = model.convertTextToCodec(payload.from(from), payload.sizeFrom(from));
+    text.remove(QChar(QChar::Null));
+    return text;
 }
 
 // The commands. What only sets a property or passes a number on is a template; the others have a name.
@@ -102,7 +106,7 @@ void videoCounter(P& parser, D&, const Payload& payload)
 void statusLineText(P&, D& model, const Payload& payload)
 {
     const auto text = [&] {
-        return decodeTextWithoutNul(model, payload.from(1));
+        return decodeTextWithoutNul(model, payload, 1);
     };
     switch (payload.byteAt(0)) {
     case 1:
@@ -143,12 +147,12 @@ void freeTextColors(P&, D& model, const Payload& payload)
 /// Neither trimmed nor freed of NUL characters; what they mean is decided where the text is written.
 void textAtCursor(P& parser, D& model, const Payload& payload)
 {
-    emit parser.writeTextOnCursorPosition(model.convertTextToCodec(payload.from(0)));
+    emit parser.writeTextOnCursorPosition(model.convertTextToCodec(payload.from(0), payload.size()));
 }
 
 void line(P& parser, D& model, const Payload& payload)
 {
-    emit parser.writeLine(payload.byteAt(0), decodeTextWithoutNul(model, payload.from(1)).trimmed());
+    emit parser.writeLine(payload.byteAt(0), decodeTextWithoutNul(model, payload, 1).trimmed());
 }
 
 void measurementPosition(P& parser, D&, const Payload& payload)
@@ -169,11 +173,14 @@ void measurementOrientation(P& parser, D&, const Payload& payload)
 void freeText(P&, D& model, const Payload& payload)
 {
     constexpr int lineCount = 5;
-    const QList<QByteArray> pieces = payload.from(3).split('\0');
+    const char* piece = payload.from(3);
+    const char* const end = piece + payload.sizeFrom(3);
     QStringList lines;
     lines.reserve(lineCount);
     for (int i = 0; i < lineCount; ++i) {
-        lines.append(model.convertTextToCodec(pieces.value(i)).trimmed());
+        const char* const pieceEnd = std::find(piece, end, '\0');
+        lines.append(model.convertTextToCodec(piece, static_cast<int>(pieceEnd - piece)).trimmed());
+        piece = pieceEnd == end ? end : pieceEnd + 1;
     }
     model.setLineText(lines, payload.byteAt(1));
 }

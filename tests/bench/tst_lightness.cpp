@@ -72,6 +72,8 @@ void TestLightness::requestsTakeFewAllocations_data()
     QTest::newRow("execute") << QVector<QByteArray>{toggle} << 1 << 0;
     QTest::newRow("write a position") << toAndFro(0x32, bytes("0A02"), bytes("0B03")) << 1 << 1;
     QTest::newRow("write colours") << toAndFro(0xE5, bytes("001D"), bytes("002F")) << 1 << 1;
+    // The element keeps the text itself, an allocation of its own.
+    QTest::newRow("write a text") << toAndFro(0x90, bytes("0141"), bytes("0142")) << 1 << 1 + 1;
     QTest::newRow("read a value") << QVector<QByteArray>{readValue} << 11 << 3;
     QTest::newRow("read a state") << QVector<QByteArray>{BenchUnit::frame(0x31, Protocol::Read)} << 11 << 3;
     QTest::newRow("read a text") << QVector<QByteArray>{readText} << 12 << 3;

@@ -324,6 +324,7 @@ public slots:
     /// Decodes protocol bytes under the current text codec. What cannot be decoded becomes replacement
     /// characters.
     QString convertTextToCodec(QByteArray text) const;
+    QString convertTextToCodec(const char* bytes, int size) const; ///< the same, for a part of an array
     /// Encodes text into protocol bytes under the current text codec, without length or terminator.
     QByteArray convertByteArrayFromText(QString text) const;
 
