@@ -147,6 +147,10 @@ void ClientSocket::onWritable()
         m_queue.clear();
         m_queueStart = 0;
         m_writable.setEnabled(false);
+    } else if (m_queueStart > bytesToWrite()) {
+        // A peer may read on and on without ever emptying the queue.
+        m_queue.remove(0, m_queueStart);
+        m_queueStart = 0;
     }
     if (sent > 0) {
         emit bytesWritten();

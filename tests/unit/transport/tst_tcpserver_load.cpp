@@ -110,6 +110,7 @@ private slots:
     void aClientThatFloodsGarbageIsReadWithoutGrowing();
     void aClientThatDoesNotReadIsActedUponOnlySoFar();
     void aClientThatReadsAgainGetsEveryReplyInOrder();
+    void whatAClientHasTakenIsNotKeptThoughMoreAlwaysWaits();
     void aNewClientIsServedAtOnceWhileAnotherDoesNotRead();
     void framesHeldBackFromAClientThatDoesNotReadAreDroppedWhenTheNextConnects();
     void allFramesOfAClientThatClosesAtOnceAreActedUpon_data();
@@ -238,6 +239,30 @@ void TestTcpServerLoad::aClientThatReadsAgainGetsEveryReplyInOrder()
     QTRY_COMPARE_WITH_TIMEOUT(client->received().size(), expected.size(), 30000);
     QVERIFY(client->received() == expected);
     QCOMPARE(server.records(), expectedRecords(0, Count));
+}
+
+void TestTcpServerLoad::whatAClientHasTakenIsNotKeptThoughMoreAlwaysWaits()
+{
+    constexpr qint64 Waiting = 1024 * 1024;
+    constexpr qint64 Total = 64 * 1024 * 1024;
+    ObservedTcpServer server;
+    const auto client = server.connectClient();
+    QVERIFY(client);
+    // Then the kernel holds less than what waits, and the server always has some of it.
+    client->socket().setSocketOption(QAbstractSocket::ReceiveBufferSizeSocketOption, 64 * 1024);
+    const CommandMessage answer = answerTo(request(0), AnswerSize);
+    const qint64 before = residentMemory();
+    qint64 written = 0;
+    qint64 taken = 0;
+    while (taken < Total) {
+        for (; written - taken < Waiting; written += AnswerSize + Protocol::FrameOverhead) {
+            server->writeMessage(answer);
+        }
+        QVERIFY(QTest::qWaitFor([&] { return client->socket().bytesAvailable() > 0; }));
+        taken += client->socket().readAll().size();
+    }
+    QVERIFY2(residentMemory() - before < MaxGrowth,
+             QByteArray::number(residentMemory() - before).constData());
 }
 
 void TestTcpServerLoad::aNewClientIsServedAtOnceWhileAnotherDoesNotRead()
