@@ -35,11 +35,13 @@ void ZelVideoOverlayElementAccessor::registerElement(QString key, CVideoOverlayE
     if (key.isEmpty()) {
         return;
     }
+    Entry& entry = m_registry[key];
     // Who was under the key before is not found by it any more, alive or not.
-    if (m_registry.contains(key)) {
-        m_keys.remove(m_keys.key(key));
+    const auto before = m_keys.find(entry.address);
+    if (before != m_keys.end() && *before == key) {
+        m_keys.erase(before);
     }
-    m_registry.insert(key, element);
+    entry = {element, element};
     if (element) {
         m_keys.insert(element, key);
     }
@@ -49,13 +51,13 @@ void ZelVideoOverlayElementAccessor::unregisterElement(CVideoOverlayElement* ele
 {
     // A profile of 100,000 elements is unloaded in seconds this way, and took minutes with the walk alone.
     const auto latest = m_keys.find(element);
-    if (latest != m_keys.end() && m_registry.value(*latest) == element) {
+    if (latest != m_keys.end() && m_registry.value(*latest).element == element) {
         m_registry.remove(*latest);
         m_keys.erase(latest);
         return;
     }
     for (auto entry = m_registry.begin(); entry != m_registry.end(); ++entry) {
-        if (entry.value() == element) {
+        if (entry->element == element) {
             m_registry.erase(entry);
             return;
         }
@@ -64,14 +66,14 @@ void ZelVideoOverlayElementAccessor::unregisterElement(CVideoOverlayElement* ele
 
 void ZelVideoOverlayElementAccessor::setElementPosition(const QString& key, QPoint position)
 {
-    const QPointer<CVideoOverlayElement> element = m_registry.value(key);
+    const QPointer<CVideoOverlayElement> element = m_registry.value(key).element;
     inTurn([&] { return !element.isNull(); }, [&] { element->setColumn(position.x()); },
            [&] { element->setRow(position.y()); });
 }
 
 void ZelVideoOverlayElementAccessor::setElementVisibility(const QString& key, bool visible)
 {
-    if (CVideoOverlayElement* const element = m_registry.value(key)) {
+    if (CVideoOverlayElement* const element = m_registry.value(key).element) {
         element->setEnabled(visible);
     }
 }
@@ -117,7 +119,7 @@ void ZelVideoOverlayElementAccessor::setElementFreeTextEnabled(const QString& ke
 
 CVideoOverlayText* ZelVideoOverlayElementAccessor::textElement(const QString& key) const
 {
-    return qobject_cast<CVideoOverlayText*>(m_registry.value(key));
+    return qobject_cast<CVideoOverlayText*>(m_registry.value(key).element);
 }
 
 } // namespace Tolvar::Varundo

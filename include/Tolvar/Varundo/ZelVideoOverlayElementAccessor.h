@@ -48,9 +48,15 @@ public:
     void setElementFreeTextEnabled(const QString& key, int timeout, const QString& text) override;
 
 private:
+    struct Entry
+    {
+        QPointer<Mavril::VideoOverlay::CVideoOverlayElement> element;
+        const Mavril::VideoOverlay::CVideoOverlayElement* address = nullptr; // its, also when it is gone
+    };
+
     Mavril::VideoOverlay::CVideoOverlayText* textElement(const QString& key) const;
 
-    QHash<QString, QPointer<Mavril::VideoOverlay::CVideoOverlayElement>> m_registry;
+    QHash<QString, Entry> m_registry;
     // Each element's latest key, so that one of very many is found without a walk; of elements that may be
     // gone.
     QHash<const Mavril::VideoOverlay::CVideoOverlayElement*, QString> m_keys;

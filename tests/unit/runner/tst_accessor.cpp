@@ -9,7 +9,10 @@
 #include <QPointer>
 #include <QtTest>
 
+#include <ctime>
+#include <optional>
 #include <type_traits>
+#include <vector>
 
 using namespace Tolvar::Varundo;
 using namespace Tolvar::Varundo::Test;
@@ -47,6 +50,8 @@ private slots:
     void unregisteredElementIsLeftAlone();
     void unregisteringAStrangerRemovesNothing();
     void elementUnderTwoKeysLosesOnePerUnregistering();
+    void elementAtTheAddressOfOneThatIsGoneHasItsOwnKey();
+    void keysOfManyElementsAreTakenOverWithoutAWalkForEach();
     void destroyingTheAccessorDeletesNoElement();
 
     void positionSetsColumnThenRow();
@@ -220,6 +225,44 @@ void TestAccessor::elementUnderTwoKeysLosesOnePerUnregistering()
     QCOMPARE(reached(), 1);
     accessor.unregisterElement(&text);
     QCOMPARE(reached(), 0);
+}
+
+void TestAccessor::elementAtTheAddressOfOneThatIsGoneHasItsOwnKey()
+{
+    const QString other = QStringLiteral("OTHER");
+    ZelVideoOverlayElementAccessor accessor;
+    std::optional<RecordingText> place;
+    accessor.registerElement(m_key, &place.emplace(QStringLiteral("gone"), m_log));
+    accessor.registerElement(other, &place.emplace(QStringLiteral("new"), m_log));
+    RecordingText third(QStringLiteral("third"), m_log);
+    accessor.registerElement(m_key, &third); // whose former element has the address of a live one
+    accessor.unregisterElement(&*place);
+    accessor.setElementVisibility(other, true);
+    accessor.setElementVisibility(m_key, true);
+    QCOMPARE(m_log.take(), inOrder("third.setEnabled(true)"));
+}
+
+/// As when a profile is loaded anew before the elements of the old one have gone.
+void TestAccessor::keysOfManyElementsAreTakenOverWithoutAWalkForEach()
+{
+    constexpr int Count = 20000;
+    ZelVideoOverlayElementAccessor accessor;
+    QObject owner;
+    // Processor time, so that a busy machine makes no difference.
+    const auto timeToRegister = [&] {
+        std::vector<RecordingElement*> elements;
+        for (int i = 0; i < Count; ++i) {
+            elements.push_back(new RecordingElement(QString(), m_log, &owner));
+        }
+        const std::clock_t begin = std::clock();
+        for (int i = 0; i < Count; ++i) {
+            accessor.registerElement(QString::number(i), elements.at(static_cast<std::size_t>(i)));
+        }
+        return std::clock() - begin;
+    };
+    const std::clock_t first = timeToRegister();
+    const std::clock_t second = timeToRegister();
+    QVERIFY2(second < 10 * first, qPrintable(QStringLiteral("%1, then %2").arg(first).arg(second)));
 }
 
 void TestAccessor::destroyingTheAccessorDeletesNoElement()
