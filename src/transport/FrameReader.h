@@ -74,7 +74,7 @@ public:
 protected:
     virtual int read(char* buffer, int size) = 0; ///< one read of the device; 0 when it has nothing
     virtual bool isBehind() const = 0;            ///< whether too many replies wait to be taken
-    virtual void callAgain() = 0;                 ///< process(), when the event loop has had its turn
+    virtual void callAgain() = 0;                 ///< process(), once, when the event loop has had its turn
     virtual void onFrameAccepted(const CommandMessage& message) = 0;
     virtual void onFrameRejected() = 0;
     virtual void onPrintableByte(quint8 byte) = 0;

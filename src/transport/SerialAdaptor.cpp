@@ -40,7 +40,11 @@ class SerialAdaptor::Reader final : public FrameReader
 public:
     explicit Reader(SerialAdaptor& adaptor)
         : m_adaptor(adaptor)
-    {}
+        , m_nextTurn(new QTimer(&adaptor))
+    {
+        m_nextTurn->setSingleShot(true);
+        QObject::connect(m_nextTurn, &QTimer::timeout, &adaptor, [this] { process(); });
+    }
 
 private:
     int read(char* buffer, int size) override
@@ -54,10 +58,7 @@ private:
         return m_adaptor.m_serialPort->isOpen() && m_adaptor.m_serialPort->bytesToWrite() >= MaxUnsentBytes;
     }
 
-    void callAgain() override
-    {
-        QTimer::singleShot(0, &m_adaptor, [this] { process(); });
-    }
+    void callAgain() override { m_nextTurn->start(0); }
 
     void onFrameAccepted(const CommandMessage& message) override
     {
@@ -73,6 +74,7 @@ private:
     }
 
     SerialAdaptor& m_adaptor;
+    QTimer* m_nextTurn; // one, however often it is asked for
 };
 
 SerialAdaptor::SerialAdaptor(QString portName, QObject* parent)

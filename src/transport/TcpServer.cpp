@@ -21,7 +21,11 @@ class TcpServer::Reader final : public FrameReader
 public:
     explicit Reader(TcpServer& server)
         : m_server(server)
-    {}
+        , m_nextTurn(new QTimer(&server))
+    {
+        m_nextTurn->setSingleShot(true);
+        QObject::connect(m_nextTurn, &QTimer::timeout, &server, &TcpServer::process);
+    }
 
 private:
     int read(char* buffer, int size) override
@@ -36,7 +40,7 @@ private:
         return client && client->bytesToWrite() >= MaxUnsentBytes;
     }
 
-    void callAgain() override { QTimer::singleShot(0, &m_server, &TcpServer::process); }
+    void callAgain() override { m_nextTurn->start(0); }
 
     void onFrameAccepted(const CommandMessage& message) override
     {
@@ -52,6 +56,7 @@ private:
     }
 
     TcpServer& m_server;
+    QTimer* m_nextTurn; // one, however often it is asked for
 };
 
 namespace {

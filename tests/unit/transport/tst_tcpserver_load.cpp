@@ -124,6 +124,7 @@ private slots:
 
     void slowFramesLeaveTheEventLoopItsTurns_data();
     void slowFramesLeaveTheEventLoopItsTurns();
+    void framesThatKeepComingDoNotMakeTurnsLonger();
     void whatWasReadOfAnOlderClientIsCarriedOutInLaterTurns();
     void lastWordsDuringANestedEventLoopAreBounded();
 };
@@ -486,6 +487,28 @@ void TestTcpServerLoad::slowFramesLeaveTheEventLoopItsTurns()
     client->send(bytes);
     QTRY_COMPARE(actions, 100);
     QVERIFY2(most <= 10, qPrintable(QString::number(most))); // 20 ms a turn, and the one that exceeds it
+}
+
+/// Each arrival may begin a turn of its own, but not a chain of turns of its own.
+void TestTcpServerLoad::framesThatKeepComingDoNotMakeTurnsLonger()
+{
+    constexpr int Count = 300;
+    ObservedTcpServer server;
+    int most = 0;
+    int inThisTurn = 0;
+    QTimer turns;
+    connect(&turns, &QTimer::timeout, this, [&] { inThisTurn = 0; });
+    turns.start(0);
+    const auto client = server.connectClient();
+    QVERIFY(client);
+    server.onRecord([&](const CommandMessage&) {
+        QTest::qSleep(5);
+        most = qMax(most, ++inThisTurn);
+        client->sendHex("00"); // a byte that is discarded
+    });
+    client->send(requests(0, Count));
+    QTRY_COMPARE_WITH_TIMEOUT(server.records().size(), Count, 30000);
+    QVERIFY2(most <= 20, qPrintable(QString::number(most))); // one that arrival began, one that goes on
 }
 
 void TestTcpServerLoad::whatWasReadOfAnOlderClientIsCarriedOutInLaterTurns()
