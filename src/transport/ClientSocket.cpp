@@ -97,7 +97,11 @@ void ClientSocket::send(const char* bytes, int size)
     if (!m_connected) {
         return;
     }
-    const int sent = bytesToWrite() == 0 ? sendNow(bytes, size) : 0;
+    // There may be room by now, though the event loop has not told: a slot can take long.
+    if (bytesToWrite() > 0) {
+        sendQueued();
+    }
+    const int sent = m_connected && bytesToWrite() == 0 ? sendNow(bytes, size) : 0;
     if (m_connected && sent < size) {
         m_queue.append(bytes + sent, size - sent);
         m_writable.setEnabled(true);
@@ -139,21 +143,26 @@ void ClientSocket::onReadable()
     }
 }
 
+/// Also when send() has been faster: who waits for room is still to be told.
 void ClientSocket::onWritable()
 {
-    const int sent = sendNow(m_queue.constData() + m_queueStart, static_cast<int>(bytesToWrite()));
-    m_queueStart += sent;
+    sendQueued();
+    if (m_connected) {
+        m_writable.setEnabled(bytesToWrite() > 0);
+        emit bytesWritten();
+    }
+}
+
+void ClientSocket::sendQueued()
+{
+    m_queueStart += sendNow(m_queue.constData() + m_queueStart, static_cast<int>(bytesToWrite()));
     if (bytesToWrite() == 0) {
         m_queue.clear();
         m_queueStart = 0;
-        m_writable.setEnabled(false);
     } else if (m_queueStart > bytesToWrite()) {
         // A peer may read on and on without ever emptying the queue.
         m_queue.remove(0, m_queueStart);
         m_queueStart = 0;
-    }
-    if (sent > 0) {
-        emit bytesWritten();
     }
 }
 

@@ -54,6 +54,7 @@ private:
     void onWritable();
     int receive(char* buffer, int size);
     int sendNow(const char* bytes, int size);
+    void sendQueued();
     void keepUnread();
     void fail();
 

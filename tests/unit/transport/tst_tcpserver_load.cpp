@@ -111,6 +111,7 @@ private slots:
     void aClientThatDoesNotReadIsActedUponOnlySoFar();
     void aClientThatReadsAgainGetsEveryReplyInOrder();
     void whatAClientHasTakenIsNotKeptThoughMoreAlwaysWaits();
+    void whatWaitsLeavesWithTheNextWriteWithoutAnEventLoop();
     void aNewClientIsServedAtOnceWhileAnotherDoesNotRead();
     void framesHeldBackFromAClientThatDoesNotReadAreDroppedWhenTheNextConnects();
     void allFramesOfAClientThatClosesAtOnceAreActedUpon_data();
@@ -264,6 +265,30 @@ void TestTcpServerLoad::whatAClientHasTakenIsNotKeptThoughMoreAlwaysWaits()
     }
     QVERIFY2(residentMemory() - before < MaxGrowth,
              QByteArray::number(residentMemory() - before).constData());
+}
+
+/// As from a host's slot that writes for long before it returns.
+void TestTcpServerLoad::whatWaitsLeavesWithTheNextWriteWithoutAnEventLoop()
+{
+    ObservedTcpServer server;
+    const auto client = server.connectClient();
+    QVERIFY(client);
+    QByteArray expected;
+    for (int number = 0; number < 100; ++number) {
+        server->writeMessage(answerTo(request(number), AnswerSize));
+        expected += encodeFrame(answerTo(request(number), AnswerSize));
+    }
+    QByteArray received;
+    QElapsedTimer elapsed;
+    elapsed.start();
+    while (received.size() < expected.size() && elapsed.elapsed() < 10000) {
+        QByteArray some(AnswerSize, '\0');
+        const auto size = recv(static_cast<int>(client->socket().socketDescriptor()), some.data(),
+                               static_cast<std::size_t>(some.size()), MSG_DONTWAIT);
+        received += some.left(static_cast<int>(qMax<qint64>(size, 0)));
+        server->sendACK();
+    }
+    QVERIFY2(received.startsWith(expected), QByteArray::number(received.size()).constData());
 }
 
 void TestTcpServerLoad::aNewClientIsServedAtOnceWhileAnotherDoesNotRead()
