@@ -44,7 +44,7 @@ public:
             m_isThere = makeFile();
             break;
         case NullDevice:
-            m_isThere = makeFile() && mount("/dev/null", Node, nullptr, MS_BIND, nullptr) == 0;
+            m_isThere = makeFile() && mount("/dev/null", Node, "", MS_BIND, nullptr) == 0;
             break;
         case DeadLine:
             m_line = std::make_unique<PseudoAdapter>(Node);
