@@ -24,6 +24,12 @@ void setOption(int descriptor, int level, int name, int value)
     setsockopt(descriptor, level, name, &value, sizeof value);
 }
 
+/// The notifiers see to the next attempt.
+bool isTemporary(int error)
+{
+    return error == EAGAIN || error == EINTR;
+}
+
 QString peerOf(int descriptor)
 {
     sockaddr_storage address{};
@@ -43,8 +49,8 @@ ClientSocket::ClientSocket(int descriptor, int maxUnreadBytes, QObject* parent)
     : QObject(parent)
     , m_descriptor(descriptor)
     , m_maxUnreadBytes(maxUnreadBytes)
-    , m_readable(descriptor, QSocketNotifier::Read)
-    , m_writable(descriptor, QSocketNotifier::Write)
+    , m_readable(descriptor, QSocketNotifier::Read, this)
+    , m_writable(descriptor, QSocketNotifier::Write, this)
     , m_peer(peerOf(descriptor))
 {
     m_writable.setEnabled(false);
@@ -180,12 +186,9 @@ void ClientSocket::keepUnread()
 
 int ClientSocket::receive(char* buffer, int size)
 {
-    ssize_t received = 0;
-    do {
-        received = recv(m_descriptor, buffer, static_cast<std::size_t>(size), MSG_DONTWAIT);
-    } while (received < 0 && errno == EINTR);
+    const ssize_t received = recv(m_descriptor, buffer, static_cast<std::size_t>(size), MSG_DONTWAIT);
     m_mayHaveMore = received == size;
-    if (received == 0 || (received < 0 && errno != EAGAIN && errno != EWOULDBLOCK)) {
+    if (received == 0 || (received < 0 && !isTemporary(errno))) {
         m_hasEnded = true; // the notifier fires again, and the end is told from there
     }
     return static_cast<int>(std::max<ssize_t>(received, 0));
@@ -193,11 +196,9 @@ int ClientSocket::receive(char* buffer, int size)
 
 int ClientSocket::sendNow(const char* bytes, int size)
 {
-    ssize_t sent = 0;
-    do {
-        sent = ::send(m_descriptor, bytes, static_cast<std::size_t>(size), MSG_DONTWAIT | MSG_NOSIGNAL);
-    } while (sent < 0 && errno == EINTR);
-    if (sent < 0 && errno != EAGAIN && errno != EWOULDBLOCK) {
+    const ssize_t sent =
+        ::send(m_descriptor, bytes, static_cast<std::size_t>(size), MSG_DONTWAIT | MSG_NOSIGNAL);
+    if (sent < 0 && !isTemporary(errno)) {
         fail();
     }
     return static_cast<int>(std::max<ssize_t>(sent, 0));
@@ -208,7 +209,6 @@ void ClientSocket::fail()
 {
     m_connected = false;
     m_mayHaveMore = true;
-    m_writable.setEnabled(false);
     QMetaObject::invokeMethod(this, &ClientSocket::abort, Qt::QueuedConnection);
 }
 
