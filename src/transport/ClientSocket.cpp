@@ -61,10 +61,8 @@ ClientSocket::ClientSocket(int descriptor, int maxUnreadBytes, QObject* parent)
 
 ClientSocket::~ClientSocket()
 {
-    m_readable.setEnabled(false);
-    m_writable.setEnabled(false);
     if (m_descriptor >= 0) {
-        close(m_descriptor);
+        closeDescriptor();
     }
 }
 
@@ -120,16 +118,21 @@ void ClientSocket::abort()
         return;
     }
     m_connected = false;
-    // Deleted with this object only: one of them may be calling.
-    m_readable.setEnabled(false);
-    m_writable.setEnabled(false);
     while (m_unread.size() < m_maxUnreadBytes && m_mayHaveMore) {
         keepUnread();
     }
     m_queue.clear();
     m_queueStart = 0;
-    close(std::exchange(m_descriptor, -1));
+    closeDescriptor();
     emit disconnected();
+}
+
+/// The notifiers themselves are deleted with this object only: one of them may be calling.
+void ClientSocket::closeDescriptor()
+{
+    m_readable.setEnabled(false);
+    m_writable.setEnabled(false);
+    close(std::exchange(m_descriptor, -1));
 }
 
 void ClientSocket::onReadable()

@@ -57,6 +57,7 @@ private:
     void sendQueued();
     void keepUnread();
     void fail();
+    void closeDescriptor();
 
     int m_descriptor;
     const int m_maxUnreadBytes;

@@ -120,11 +120,6 @@ TcpServer::TcpServer(QObject* parent)
 
 TcpServer::~TcpServer()
 {
-    // The sockets go with the server; what they say on their way out must not reach half of this object.
-    const auto sockets = m_server->findChildren<ClientSocket*>();
-    for (ClientSocket* const socket : sockets) {
-        socket->disconnect(this);
-    }
     m_reader->transportDestroyed(m_server);
 }
 

@@ -52,6 +52,7 @@ private slots:
     void elementUnderTwoKeysLosesOnePerUnregistering();
     void elementAtTheAddressOfOneThatIsGoneHasItsOwnKey();
     void keysOfManyElementsAreTakenOverWithoutAWalkForEach();
+    void manyElementsAreUnregisteredWithoutAWalkForEach();
     void destroyingTheAccessorDeletesNoElement();
 
     void positionSetsColumnThenRow();
@@ -263,6 +264,32 @@ void TestAccessor::keysOfManyElementsAreTakenOverWithoutAWalkForEach()
     const std::clock_t first = timeToRegister();
     const std::clock_t second = timeToRegister();
     QVERIFY2(second < 10 * first, qPrintable(QStringLiteral("%1, then %2").arg(first).arg(second)));
+}
+
+void TestAccessor::manyElementsAreUnregisteredWithoutAWalkForEach()
+{
+    constexpr int Count = 20000;
+    ZelVideoOverlayElementAccessor accessor;
+    QObject owner;
+    std::vector<RecordingElement*> elements;
+    for (int i = 0; i < Count; ++i) {
+        elements.push_back(new RecordingElement(QString(), m_log, &owner));
+    }
+    // Processor time, so that a busy machine makes no difference.
+    const std::clock_t begin = std::clock();
+    for (int i = 0; i < Count; ++i) {
+        accessor.registerElement(QString::number(i), elements.at(static_cast<std::size_t>(i)));
+    }
+    const std::clock_t registered = std::clock();
+    for (RecordingElement* const element : elements) {
+        accessor.unregisterElement(element);
+    }
+    const std::clock_t unregistered = std::clock();
+    QVERIFY2(
+        unregistered - registered < 10 * (registered - begin),
+        qPrintable(QStringLiteral("%1, then %2").arg(registered - begin).arg(unregistered - registered)));
+    accessor.setElementPosition(QStringLiteral("7"), QPoint(5, 2));
+    QCOMPARE(m_log.take(), QStringList());
 }
 
 void TestAccessor::destroyingTheAccessorDeletesNoElement()

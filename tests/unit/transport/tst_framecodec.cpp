@@ -70,7 +70,9 @@ private slots:
     void framesMayBeSplitAtAnyTwoBytes();
     void everyCommandButZeroIsAcceptedInEveryGroup();
     void everyPayloadByteIsCarriedUnchanged();
+    void everyLengthIsAccepted();
     void theLongestPayloadIsAccepted();
+    void statesHaveTheirNumbers();
     void aNewRecordHoldsNothing();
     void theEncoderWritesTheFrameLayout_data();
     void theEncoderWritesTheFrameLayout();
@@ -305,6 +307,27 @@ void TestFrameCodec::everyPayloadByteIsCarriedUnchanged()
     Line line;
     const QByteArray expected = "ACK 7/2 256:" + payload.toHex();
     QCOMPARE(line.read(hex("02 07 02 00 01") + payload + hex("03")), told(expected.constData()));
+}
+
+void TestFrameCodec::everyLengthIsAccepted()
+{
+    for (int length = 0; length <= 2000; ++length) {
+        const QByteArray payload(length, 'x');
+        // A command that looks like the end of a frame, in a read of its own.
+        const QByteArray frame = encodeFrame({3, 1, static_cast<quint16>(length), payload});
+        Line line;
+        QCOMPARE(line.read(frame), told("ACK 3/1 " + QByteArray::number(length) + ':' + payload.toHex()));
+    }
+}
+
+void TestFrameCodec::statesHaveTheirNumbers()
+{
+    const QList<State> states{State::WaitStart,     State::WaitCmdId,      State::WaitGrpId,
+                              State::WaitLengthLow, State::WaitLengthHigh, State::ReadPayload,
+                              State::WaitEnd};
+    for (int number = 0; number < states.size(); ++number) {
+        QCOMPARE(static_cast<int>(states.at(number)), number);
+    }
 }
 
 void TestFrameCodec::theLongestPayloadIsAccepted()

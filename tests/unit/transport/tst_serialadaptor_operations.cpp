@@ -73,6 +73,7 @@ private slots:
     void theReplyOperationsWriteWhatTheySay();
     void aFrameMayArriveByteByByte();
     void closingAndOpeningDoesNotResetTheDecoder();
+    void whatArrivedBeforeThePortIsClosedIsCarriedOut();
 
     void anOpenThatFailsIsToldAndMayBeTriedAgain();
     void aFailedOpenFollowedByACloseLeavesThePortClosed();
@@ -288,6 +289,25 @@ void TestSerialAdaptorOperations::closingAndOpeningDoesNotResetTheDecoder()
     QTRY_COMPARE(second.receivedHex(), QByteArray("06"));
     QCOMPARE(adaptor.records, told("5/1 2:6162"));
     QVERIFY(first.received().isEmpty());
+}
+
+void TestSerialAdaptorOperations::whatArrivedBeforeThePortIsClosedIsCarriedOut()
+{
+    PseudoSerialLine line("ttyUSB7");
+    ObservedAdaptor adaptor;
+    bool hasArrived = false;
+    connect(adaptor.operator->(), &SerialAdaptor::receivedValidMessage, [&](const CommandMessage& record) {
+        if (record.cmdId == 5) { // a host that turns an event loop, and then has enough
+            const auto* const port = adaptor->findChild<QSerialPort*>();
+            hasArrived = line.sendHex("02 06 01 00 00 03") &&
+                         QTest::qWaitFor([&] { return port->bytesAvailable() == 6; });
+            adaptor->closeSerialPort();
+        }
+    });
+    adaptor->openSerialPort(QStringLiteral("ttyUSB7"));
+    QVERIFY(line.sendHex("02 05 01 00 00 03"));
+    QTRY_COMPARE(adaptor.records, told("5/1 0:,6/1 0:"));
+    QVERIFY(hasArrived);
 }
 
 void TestSerialAdaptorOperations::anOpenThatFailsIsToldAndMayBeTriedAgain()

@@ -7,6 +7,8 @@
 
 #include <QtTest>
 
+#include <unistd.h>
+
 #include <functional>
 
 using namespace Tolvar::Varundo;
@@ -54,6 +56,7 @@ private slots:
     void anOlderClientThatGoesChangesNothing();
     void aClientThatResetsDuringItsAnswerHarmsNobody();
     void aClientThatGoesBeforeItIsAcceptedHarmsNobody();
+    void aClientMayHaveTheFirstDescriptor();
     void aServerThatIsDestroyedDisconnectsAllClients();
     void aServerMayBeDeletedLaterFromWithinARecord();
 
@@ -388,6 +391,27 @@ void TestTcpServerClients::aClientThatGoesBeforeItIsAcceptedHarmsNobody()
     QVERIFY(next);
     next->sendHex("02 06 01 00 00 03");
     QTRY_COMPARE(next->receivedHex(), QByteArray("06"));
+}
+
+/// As in a service that has closed its standard input.
+void TestTcpServerClients::aClientMayHaveTheFirstDescriptor()
+{
+    const int input = dup(0);
+    QVERIFY(input > 0);
+    {
+        ObservedTcpServer server;
+        WireClient client;
+        QVERIFY(client.isConnected());
+        close(0);
+        client.sendHex("02 05 01 00 00 03");
+        const bool isServed = QTest::qWaitFor([&] { return client.receivedHex() == "06"; });
+        const int first = descriptorOfPeer(client.socket().localPort());
+        server.destroy();
+        dup2(input, 0);
+        QVERIFY(isServed);
+        QCOMPARE(first, 0);
+    }
+    close(input);
 }
 
 void TestTcpServerClients::aServerThatIsDestroyedDisconnectsAllClients()
