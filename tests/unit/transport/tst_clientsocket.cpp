@@ -124,7 +124,7 @@ QByteArray readAll(ClientSocket& socket, int piece = 64)
 QByteArray fill(ClientSocket& socket)
 {
     QByteArray sent;
-    for (int i = 0; socket.bytesToWrite() < 400000; ++i) {
+    for (int i = 0; socket.bytesToWrite() < 1000000; ++i) {
         const QByteArray piece(1000, static_cast<char>('a' + i % 26));
         socket.send(piece.constData(), piece.size());
         sent += piece;
