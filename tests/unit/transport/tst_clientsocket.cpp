@@ -162,6 +162,7 @@ private slots:
     void endIsToldThoughNobodyReads();
     void bytesBeforeTheEndAreKept();
     void abortEndsTheConnectionAtOnce();
+    void bytesInTheKernelAreReceivedBeforeAnAbort_data();
     void bytesInTheKernelAreReceivedBeforeAnAbort();
     void failedSendEndsTheConnectionLater();
     void bytesBeforeAFailedSendAreKept();
@@ -435,9 +436,19 @@ void TestClientSocket::abortEndsTheConnectionAtOnce()
     QCOMPARE(warnings.texts(), QStringList());
 }
 
+void TestClientSocket::bytesInTheKernelAreReceivedBeforeAnAbort_data()
+{
+    QTest::addColumn<int>("maxUnread");
+    QTest::addColumn<QByteArray>("kept");
+    QTest::newRow("all") << 1024 << QByteArray("456789");
+    QTest::newRow("up to the bound") << 5 << QByteArray("45678");
+}
+
 void TestClientSocket::bytesInTheKernelAreReceivedBeforeAnAbort()
 {
-    const Connection connection(AF_INET, 1024);
+    QFETCH(const int, maxUnread);
+    QFETCH(const QByteArray, kept);
+    const Connection connection(AF_INET, maxUnread);
     QVERIFY(connection);
     QByteArray first(4, Qt::Uninitialized);
     connect(&*connection, &ClientSocket::readyRead, [&] {
@@ -448,7 +459,7 @@ void TestClientSocket::bytesInTheKernelAreReceivedBeforeAnAbort()
     QVERIFY(connection.peerSends("0123456789"));
     QTRY_VERIFY(!connection->isConnected());
     QCOMPARE(first, QByteArray("0123"));
-    QCOMPARE(connection->takeUnread(), QByteArray("456789"));
+    QCOMPARE(connection->takeUnread(), kept);
 }
 
 void TestClientSocket::failedSendEndsTheConnectionLater()
