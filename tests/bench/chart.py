@@ -1,6 +1,6 @@
 """Draws the comparison as an SVG, with nothing but the standard library."""
 
-COLOURS = {"library": "#1b6ca8", "Qt floor": "#8a8f98", "epoll floor": "#4b4f57", "QtSerialBus": "#c98b2b",
+COLOURS = {"library": "#1b6ca8", "redrawing": "#5fa3cf", "Qt floor": "#8a8f98", "epoll floor": "#4b4f57", "QtSerialBus": "#c98b2b",
            "libmodbus": "#7a9a4d"}
 LEFT, BAR, GAP, WIDTH, PANEL = 130, 18, 6, 300, 500
 
