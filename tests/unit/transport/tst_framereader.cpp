@@ -32,6 +32,7 @@ public:
     QByteArray typed;
     int asked = 0;
     int calledAgain = 0;
+    bool behind = false;
 
 private:
     int read(char* buffer, int size) override
@@ -42,7 +43,7 @@ private:
         std::copy(bytes.begin(), bytes.end(), buffer);
         return bytes.size();
     }
-    bool isBehind() const override { return false; }
+    bool isBehind() const override { return behind; }
     void callAgain() override { ++calledAgain; }
     void onFrameAccepted(const CommandMessage&) override
     {
@@ -63,6 +64,7 @@ class TestFrameReader : public QObject
 
 private slots:
     void readsUntilTheDeviceHasNothing();
+    void nothingIsReadForAPeerThatIsBehind();
     void eventLoopHasItsTurnAfterTwentyMilliseconds();
     void restOfAReadComesBeforeTheNextRead();
     void frameWithinAFrameWaits();
@@ -89,6 +91,25 @@ void TestFrameReader::readsUntilTheDeviceHasNothing()
     QCOMPARE(reader->asked, 4);
     QCOMPARE(reader->calledAgain, 0);
     QVERIFY(!reader->isProcessing());
+}
+
+void TestFrameReader::nothingIsReadForAPeerThatIsBehind()
+{
+    const auto reader = std::make_shared<ListReader>();
+    reader->reads = {Frame, Frame};
+    reader->behind = true;
+    reader->process();
+    QCOMPARE(reader->asked, 0);
+
+    reader->behind = false;
+    reader->whenAccepted = [&] {
+        reader->behind = true;
+    };
+    reader->process();
+    QCOMPARE(reader->accepted, 1);
+    QCOMPARE(reader->asked, 1);
+    reader->process();
+    QCOMPARE(reader->accepted, 1);
 }
 
 void TestFrameReader::eventLoopHasItsTurnAfterTwentyMilliseconds()
