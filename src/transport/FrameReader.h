@@ -24,7 +24,7 @@ public:
     /// So long, and the frame that is being acted upon then, the event loop is kept waiting.
     static constexpr int MaxTurnMs = 20;
     /// The longest read of a device: the longest frame and a little, so that such a frame comes in one read
-    /// and is decoded in one go (7 % more bytes a second than with 64 KiB; with 16 KiB it is 10 % less). All
+    /// and is decoded in one go (4 % more bytes a second than with 64 KiB; with 16 KiB it is 10 % less). All
     /// reads go into one buffer, since one made for each costs every request an allocation.
     static constexpr int MaxReadBytes = 66 * 1024;
     /// What is kept of the bytes of devices that have gone while a frame was acted upon.
