@@ -156,8 +156,7 @@ void tst_DeviceSettings::wrongFieldIsNamedAndNothingIsSet_data()
     row(R"({"real": {}})",
         R"(unknown field "real"; known here are reel, rts, crawler, camera, positionSensor)");
     row(R"({"rts": {"pressure": 1}})", R"(rts: unknown field "pressure"; known here are temperature)");
-    row(R"({"rts": {"a\nb \"c\"": 1}})",
-        R"(rts: unknown field "a\nb \"c\""; known here are temperature)");
+    row(R"({"rts": {"a\nb \"c\"": 1}})", R"(rts: unknown field "a\nb \"c\""; known here are temperature)");
     row(R"({"reel": 3})", "reel: expected an object, got 3");
     row(R"({"reel": null})", "reel: expected an object, got null");
     row(R"({"positionSensor": []})", "positionSensor: expected an object or null, got an array");
