@@ -13,9 +13,8 @@ namespace Tolvar::Varundo {
 ///
 /// Why no QTcpSocket: what that one does for a small request costs more than the library's own work. It asks
 /// how much there is before it reads, copies twice, and switches its write notifier on and off for each
-/// flushed write, which wakes up the event loop that is just running, four times a request. Without it one
-/// request at a time takes 4 system calls in place of 10, a quarter less processor time; with 64 under way,
-/// half of it.
+/// flushed write, which wakes up the event loop that is just running, four times a request. Without it a
+/// request takes 4 system calls in place of 10.
 ///
 /// A signal's receiver may turn an event loop; the socket must not be deleted meanwhile.
 class ClientSocket final : public QObject
@@ -48,6 +47,7 @@ signals:
     void readyRead();
     void bytesWritten(); ///< some of what had to wait
     void disconnected(); ///< once
+
 private:
     void setOptions();
     void onReadable();

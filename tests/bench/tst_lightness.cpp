@@ -38,6 +38,14 @@ QByteArray bytes(const char* hex)
     return QByteArray::fromHex(hex);
 }
 
+/// Sends the frames in turn, and waits for each one's reply.
+void talk(BenchUnit& unit, const QVector<QByteArray>& frames, int replySize, int times)
+{
+    for (int i = 0; i < times; ++i) {
+        unit.talk(frames.at(i % frames.size()), replySize);
+    }
+}
+
 } // namespace
 
 class TestLightness : public QObject
@@ -91,18 +99,13 @@ void TestLightness::requestsTakeFewAllocations()
     QFETCH(const int, most);
     BenchUnit unit;
     unit.connectOverTcp();
-    const auto talk = [&](int times) {
-        for (int i = 0; i < times; ++i) {
-            unit.talk(frames.at(i % frames.size()), replySize);
-        }
-    };
-    talk(warmUps);
+    talk(unit, frames, replySize, warmUps);
     // Once a second the serial port's watcher reports, which is nobody's request: the least of a few rounds
     // counts.
     quint64 taken = std::numeric_limits<quint64>::max();
     for (int i = 0; i < rounds; ++i) {
         const quint64 before = allocationCount();
-        talk(requests);
+        talk(unit, frames, replySize, requests);
         taken = qMin(taken, allocationCount() - before);
     }
     QVERIFY2(taken <= static_cast<quint64>(most * requests),
@@ -121,14 +124,9 @@ void TestLightness::requestTakesFiveSystemCallsAtMost()
     constexpr int most = 5;
     BenchUnit unit;
     unit.connectOverTcp();
-    const auto talk = [&](int times) {
-        for (int i = 0; i < times; ++i) {
-            unit.talk(frames.at(i % frames.size()), replySize);
-        }
-    };
-    talk(warmUps);
+    talk(unit, frames, replySize, warmUps);
     const quint64 before = systemCallCount() - unit.clientCalls();
-    talk(requests);
+    talk(unit, frames, replySize, requests);
     const quint64 calls = systemCallCount() - unit.clientCalls() - before;
     QVERIFY(calls >= 3 * requests); // it waits, reads and acknowledges at least
     QVERIFY2(calls <= static_cast<quint64>(most * requests),

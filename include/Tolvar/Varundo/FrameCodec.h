@@ -208,8 +208,7 @@ qsizetype FrameDecoder::resume(const char* bytes, qsizetype size, Sink& sink)
 
 /// The way that nearly every frame takes: it lies whole in the read and nothing is wrong with it. Then it
 /// need not go through the states byte by byte, which takes three times as long. Returns how many bytes it
-/// has; 0, with nothing done, for any other frame. Not inlined: where a single byte is decoded, compilers
-/// would warn of the others that are looked at here.
+/// has; 0, with nothing done, for any other frame.
 template <class Sink>
 int FrameDecoder::acceptWhole(const char* bytes, qsizetype size, Sink& sink)
 {

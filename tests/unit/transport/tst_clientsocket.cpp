@@ -159,8 +159,7 @@ private slots:
     void nothingIsToldOfWhatNeverWaited();
 
     void endOfThePeerIsToldOnceAndAfterItsBytes();
-    void endIsToldThoughNobodyReads();
-    void bytesBeforeTheEndAreKept();
+    void endIsToldThoughNobodyReadsAndBytesBeforeItAreKept();
     void abortEndsTheConnectionAtOnce();
     void bytesInTheKernelAreReceivedBeforeAnAbort_data();
     void bytesInTheKernelAreReceivedBeforeAnAbort();
@@ -387,7 +386,7 @@ void TestClientSocket::endOfThePeerIsToldOnceAndAfterItsBytes()
     QVERIFY(!connection->isConnected());
 }
 
-void TestClientSocket::endIsToldThoughNobodyReads()
+void TestClientSocket::endIsToldThoughNobodyReadsAndBytesBeforeItAreKept()
 {
     Connection connection;
     QVERIFY(connection);
@@ -396,16 +395,6 @@ void TestClientSocket::endIsToldThoughNobodyReads()
     connection.closePeer();
     QVERIFY(ended.wait());
     QVERIFY(!connection->isConnected());
-}
-
-void TestClientSocket::bytesBeforeTheEndAreKept()
-{
-    Connection connection;
-    QVERIFY(connection);
-    QSignalSpy ended(&*connection, &ClientSocket::disconnected);
-    QVERIFY(connection.peerSends("abc"));
-    connection.closePeer();
-    QVERIFY(ended.wait());
     QCOMPARE(connection->takeUnread(), QByteArray("abc"));
     QVERIFY(connection->takeUnread().isEmpty());
 }

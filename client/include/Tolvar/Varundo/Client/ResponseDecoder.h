@@ -48,6 +48,8 @@ public:
     void reset();
 
 private:
+    // A reference on purpose: of a copy compilers know that it is one byte, and warn of the others, which the
+    // decoder looks at only if they are there.
     void decodeByte(const char& byte, QVector<Response>& responses);
 
     FrameDecoder m_decoder;
