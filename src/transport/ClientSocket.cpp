@@ -110,6 +110,7 @@ void ClientSocket::send(const char* bytes, int size)
         m_queue.append(bytes + sent, size - sent);
         m_writable.setEnabled(true);
     }
+    m_mayHaveMore = m_mayHaveMore || m_readsLeft > 0; // the peer may have gone on meanwhile
 }
 
 void ClientSocket::abort()
@@ -139,6 +140,7 @@ void ClientSocket::onReadable()
 {
     const QPointer<ClientSocket> self(this);
     m_mayHaveMore = true;
+    m_readsLeft = MaxReadsATurn;
     m_wasRead = false;
     emit readyRead();
     if (!self || m_descriptor < 0) {
@@ -191,6 +193,7 @@ int ClientSocket::receive(char* buffer, int size)
 {
     const ssize_t received = recv(m_descriptor, buffer, static_cast<std::size_t>(size), MSG_DONTWAIT);
     m_mayHaveMore = received == size;
+    m_readsLeft = received > 0 ? m_readsLeft - 1 : 0;
     if (received == 0 || (received < 0 && !isTemporary(errno))) {
         m_hasEnded = true; // the notifier fires again, and the end is told from there
     }

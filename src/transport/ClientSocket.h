@@ -23,6 +23,11 @@ class ClientSocket final : public QObject
     Q_PROPERTY(bool connected READ isConnected)
 
 public:
+    /// So often at most in one turn of the event loop, the descriptor is read again after a reply, since the
+    /// next request may be there. Saves that request the turn (a tenth of its processor time); one that is
+    /// not there costs a system call.
+    static constexpr int MaxReadsATurn = 16;
+
     /// Takes over a connected descriptor, blocking or not. What nobody takes up is received all the same, up
     /// to this bound, so that the end of a connection is noticed.
     ClientSocket(int descriptor, int maxUnreadBytes, QObject* parent);
@@ -67,8 +72,9 @@ private:
     QByteArray m_unread; // received while nobody took it up
     QByteArray m_queue;  // to be sent, from m_queueStart on
     int m_queueStart = 0;
+    int m_readsLeft = 0;
     bool m_connected = true;
-    bool m_mayHaveMore = false; // since the notifier fired; a short receive has emptied the descriptor
+    bool m_mayHaveMore = false; // since the notifier fired; a short receive has emptied it, but for a reply
     bool m_wasRead = false;     // since then
     bool m_hasEnded = false;    // the peer has said its last word, or the connection has broken
 };

@@ -147,6 +147,9 @@ private slots:
     void bytesAreReadInPiecesUntilThereAreNone();
     void whatIsLeftIsToldAgain();
     void nothingIsReadBeforeTheEventLoopHasTold();
+    void whatArrivesDuringAReplyIsReadInTheSameTurn();
+    void eventLoopHasItsTurnThoughEachReplyIsFollowedByARequest();
+    void withoutAReplyNothingMoreIsLookedFor();
     void whatNobodyReadsIsReceivedUpToTheBound();
     void whoStopsReadingIsTreatedLikeNobody();
     void whatWasReceivedComesBeforeWhatTheKernelHas();
@@ -232,6 +235,66 @@ void TestClientSocket::nothingIsReadBeforeTheEventLoopHasTold()
     QVERIFY(readAll(*connection).isEmpty());
     QSignalSpy told(&*connection, &ClientSocket::readyRead);
     QVERIFY(told.wait());
+}
+
+void TestClientSocket::whatArrivesDuringAReplyIsReadInTheSameTurn()
+{
+    const Connection connection;
+    QVERIFY(connection);
+    QList<QByteArray> reads;
+    connect(&*connection, &ClientSocket::readyRead, [&] {
+        char bytes[8];
+        while (const int size = connection->read(bytes, sizeof bytes)) {
+            reads.append(QByteArray(bytes, size));
+            if (bytes[0] < 'c') {
+                connection.peerSends(QByteArray(1, static_cast<char>(bytes[0] + 1)));
+            }
+            connection->send(bytes, size);
+        }
+    });
+    QSignalSpy told(&*connection, &ClientSocket::readyRead);
+    QVERIFY(connection.peerSends("a"));
+    QVERIFY(told.wait());
+    QCOMPARE(reads, (QList<QByteArray>{"a", "b", "c"}));
+    QCOMPARE(connection.peerReceives(), QByteArray("abc"));
+}
+
+void TestClientSocket::eventLoopHasItsTurnThoughEachReplyIsFollowedByARequest()
+{
+    const Connection connection;
+    QVERIFY(connection);
+    QList<int> reads; // in each turn
+    connect(&*connection, &ClientSocket::readyRead, [&] {
+        reads.append(0);
+        char bytes[8];
+        while (reads.last() < 1000 && connection->read(bytes, sizeof bytes) > 0) {
+            ++reads.last();
+            connection->send(bytes, 1);
+            connection.peerSends("a");
+        }
+    });
+    QVERIFY(connection.peerSends("a"));
+    QTRY_VERIFY(reads.size() >= 3);
+    QCOMPARE(reads.first(), ClientSocket::MaxReadsATurn);
+    QCOMPARE(reads.at(1), ClientSocket::MaxReadsATurn);
+}
+
+void TestClientSocket::withoutAReplyNothingMoreIsLookedFor()
+{
+    const Connection connection;
+    QVERIFY(connection);
+    QList<QByteArray> reads;
+    connect(&*connection, &ClientSocket::readyRead, [&] {
+        char bytes[8];
+        const int size = connection->read(bytes, sizeof bytes);
+        reads.append(QByteArray(bytes, size));
+        if (reads.size() == 1) {
+            connection.peerSends("b");
+            QCOMPARE(connection->read(bytes, sizeof bytes), 0);
+        }
+    });
+    QVERIFY(connection.peerSends("a"));
+    QTRY_COMPARE(reads, (QList<QByteArray>{"a", "b"}));
 }
 
 void TestClientSocket::whatNobodyReadsIsReceivedUpToTheBound()
