@@ -168,8 +168,9 @@ CVideoOverlayText* Runner::customTextAt(const QPoint& position) const
 {
     const auto texts = m_customTexts;
     for (const auto& text : texts) {
-        if (text && text->column() == position.x() && text && text->row() == position.y()) {
-            return text;
+        CVideoOverlayText* const candidate = text;
+        if (candidate && candidate->column() == position.x() && text && candidate->row() == position.y()) {
+            return candidate;
         }
     }
     return nullptr;

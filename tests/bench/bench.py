@@ -9,6 +9,7 @@ import sys
 import bars
 import chart
 import counts
+import report
 
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "sockets"))
 import compare  # noqa: E402
@@ -17,9 +18,11 @@ import compare  # noqa: E402
 def run_sockets(folder, given):
     results = compare.compare(os.path.join(folder, "sockets"), given.rounds, given.seconds, given.cpu,
                               given.servers.split(","), given.scenarios.split(","))
-    kept = bars.check(results)
-    print("\n".join([*compare.table(results), "", *bars.table(kept, compare.SCENARIOS)]))
-    return {"rounds": given.rounds, "seconds": given.seconds, "results": results, "bars": kept}
+    print("\n".join(compare.table(results)))
+    figures = {"rounds": given.rounds, "seconds": given.seconds, "results": results}
+    if "library" in given.servers.split(","):
+        figures["memory"] = compare.memory(os.path.join(folder, "sockets"), given.cpu)
+    return figures
 
 
 def run_micro(folder, arguments):
@@ -63,13 +66,14 @@ def parse(arguments):
     parser.add_argument("--accept", metavar="REASON", help="make what is counted the new baseline")
     parser.add_argument("--json", metavar="FILE", help="where all figures go")
     parser.add_argument("--svg", metavar="FILE", help="where the plot of the comparison goes")
+    parser.add_argument("--document", metavar="FILE", help="where the tables go, between marks; of a whole run only")
     return parser.parse_known_args(arguments)
 
 
 def main():
     given, rest = parse(sys.argv[1:])
     figures = {}
-    kept = True
+    has_not_grown = True
     if given.what in ("all", "sockets"):
         figures["sockets"] = run_sockets(given.folder, given)
         if given.svg:
@@ -78,12 +82,17 @@ def main():
     if given.what in ("all", "micro"):
         figures["nanoseconds"] = run_micro(given.folder, rest)
     if given.what in ("all", "counts"):
-        figures["counts"], kept = run_counts(given.folder, given)
+        figures["counts"], has_not_grown = run_counts(given.folder, given)
+    kept = bars.check(figures, compare.SCENARIOS)
+    figures["bars"] = bars.records(kept)
+    print("\n".join(["", *bars.table(kept)]))
+    if given.document:
+        report.write(given.document, report.text(figures, kept, compare.SCENARIOS))
     if given.json:
         with open(given.json, "w", encoding="utf-8") as file:
             json.dump(figures, file, indent=1, ensure_ascii=False)
             file.write("\n")
-    return 0 if kept else 1
+    return 0 if has_not_grown else 1
 
 
 if __name__ == "__main__":

@@ -42,6 +42,19 @@ int freePort()
     return ntohs(address.sin_port);
 }
 
+/// A few of each kind that the protocol knows, and what is given.
+QByteArray profileWith(const QByteArray& elements)
+{
+    QByteArray list = elements;
+    for (const QString& column :
+         {ElementParam::NAME_SECTION_DISTANCE_COUNTER, ElementParam::NAME_CAMERA_PAN,
+          ElementParam::NAME_CAMERA_TEMPERATURE, ElementParam::NAME_CRAWLER_PITCH, ElementParam::NAME_DATE}) {
+        list += R"({"kind": "bound", "binding": ")" + column.toUtf8() + R"("},)";
+    }
+    return R"({"name": "bench", "elements": [)" + list + R"({"kind": "static", "id": 1, "text": "line"},
+        {"kind": "free", "enabled": false}]})";
+}
+
 } // namespace
 
 BenchUnit::BenchUnit()
@@ -128,21 +141,22 @@ QByteArray BenchUnit::frame(int command, int group, const QByteArray& payload)
                         static_cast<quint16>(payload.size()), payload});
 }
 
-/// A few of each kind that the protocol knows, and else elements of the host's own; so many in all, but at
-/// least those.
 QByteArray BenchUnit::profileOf(int elements)
 {
-    QByteArray list;
-    for (const QString& column :
-         {ElementParam::NAME_SECTION_DISTANCE_COUNTER, ElementParam::NAME_CAMERA_PAN,
-          ElementParam::NAME_CAMERA_TEMPERATURE, ElementParam::NAME_CRAWLER_PITCH, ElementParam::NAME_DATE}) {
-        list += R"({"kind": "bound", "binding": ")" + column.toUtf8() + R"("},)";
-    }
+    QByteArray own;
     for (int i = 7; i < elements; ++i) {
-        list += R"({"kind": "plain", "caption": "own )" + QByteArray::number(i) + R"("},)";
+        own += R"({"kind": "plain", "caption": "own )" + QByteArray::number(i) + R"("},)";
     }
-    return R"({"name": "bench", "elements": [)" + list + R"({"kind": "static", "id": 1, "text": "line"},
-        {"kind": "free", "enabled": false}]})";
+    return profileWith(own);
+}
+
+QByteArray BenchUnit::profileOfBound(int elements)
+{
+    QByteArray lines;
+    for (int i = 7; i < elements; ++i) {
+        lines += R"({"kind": "static", "text": "line", "id": )" + QByteArray::number(i) + "},";
+    }
+    return profileWith(lines);
 }
 
 } // namespace Tolvar::Varundo::Bench

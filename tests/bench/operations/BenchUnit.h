@@ -40,7 +40,11 @@ public:
     /// Texts of a controller's in column 0 of line 1, none blank.
     void makeCustomTexts(int count);
     static QByteArray frame(int command, int group, const QByteArray& payload = {});
+    /// A few elements of each kind that the protocol knows, and else ones of the host's own; so many in all,
+    /// but at least those.
     static QByteArray profileOf(int elements);
+    /// The same, but a controller reaches all of them: each has an id of its own.
+    static QByteArray profileOfBound(int elements);
 
     // The decoder's sink.
     void frameAccepted(const CommandMessage& message) { m_parser->onCommandMessageReceived(message); }

@@ -49,6 +49,16 @@ Operation cleaningUp(int texts)
     }};
 }
 
+Operation togglingAmongBound(int elements)
+{
+    const auto unit = std::make_shared<BenchUnit>();
+    unit->loadProfile(BenchUnit::profileOfBound(elements));
+    const QByteArray request = BenchUnit::frame(0x32, Protocol::Execute);
+    return {[unit, request] {
+        unit->feed(request);
+    }};
+}
+
 Operation loadingProfile(int elements)
 {
     const auto unit = std::make_shared<BenchUnit>();
@@ -76,6 +86,10 @@ void addGrowthOperations(std::vector<OperationMaker>& list)
                                  {"clean-up tick" + among,
                                   [=] {
                                       return cleaningUp(count);
+                                  }},
+                                 {"toggle an element" + among,
+                                  [=] {
+                                      return togglingAmongBound(count);
                                   }},
                                  {"load a profile of " + std::to_string(count), [=] {
                                       return loadingProfile(count);

@@ -30,6 +30,8 @@ SCENARIOS = {
 LEAST_SHARE = 0.90
 TRIES = 2
 
+REQUESTS_FOR_MEMORY = 1_000_000
+
 
 def free_port():
     with socket.socket() as probe:
@@ -58,13 +60,29 @@ class Server:
         self.process.stdout.close()
 
 
+def drive(programs, server, name, scenario, seconds, cpu):
+    load = subprocess.run(
+        [os.path.join(programs, "load"), str(server.port), str(server.process.pid), SERVERS[name][1], scenario,
+         str(seconds)],
+        stdout=subprocess.PIPE, check=True, preexec_fn=lambda: os.sched_setaffinity(0, {cpu}))
+    return json.loads(load.stdout)
+
+
+def memory(programs, cpu):
+    """What the library holds after its first requests and after very many, over a few connections."""
+    requests = 0
+    before = None
+    with Server(programs, "library", "many", cpu) as server:
+        while requests < REQUESTS_FOR_MEMORY:
+            figures = drive(programs, server, "library", "many", 2, cpu)
+            requests += figures["requests"]
+            before = before or figures["resident_before_kib"]
+    return {"requests": requests, "before_kib": before, "after_kib": figures["resident_kib"]}
+
+
 def run_once(programs, name, scenario, seconds, cpu):
     with Server(programs, name, scenario, cpu) as server:
-        load = subprocess.run(
-            [os.path.join(programs, "load"), str(server.port), str(server.process.pid), SERVERS[name][1], scenario,
-             str(seconds)],
-            stdout=subprocess.PIPE, check=True, preexec_fn=lambda: os.sched_setaffinity(0, {cpu}))
-        figures = json.loads(load.stdout)
+        figures = drive(programs, server, name, scenario, seconds, cpu)
     # What they would do if the processor were theirs alone. On a machine that does nothing else it is the rate.
     figures["full_rate"] = 1e9 / (figures["server_ns"] + figures["load_ns"])
     figures["full_bytes"] = figures["bytes_per_second"] * figures["full_rate"] / figures["rate"]

@@ -249,6 +249,7 @@ int main(int argc, char** argv)
 
     Latencies latencies;
     const std::int64_t switchesBefore = statusFigure(server, "voluntary_ctxt_switches:");
+    const std::int64_t residentBefore = statusFigure(server, "VmRSS:");
     const std::int64_t serverBefore = nanoseconds(serverClock);
     const std::int64_t loadBefore = nanoseconds(CLOCK_PROCESS_CPUTIME_ID);
     const auto begin = Clock::now();
@@ -265,11 +266,12 @@ int main(int argc, char** argv)
     std::printf("{\"requests\": %zu, \"seconds\": %.6f, \"rate\": %.1f, \"bytes_per_second\": %.0f, "
                 "\"server_ns\": %.1f, \"load_ns\": %.1f, \"share\": %.4f, \"switches\": %.3f, "
                 "\"p50_ns\": %" PRIu32 ", \"p99_ns\": %" PRIu32 ", \"p999_ns\": %" PRIu32
-                ", \"peak_kib\": %" PRId64 "}\n",
+                ", \"peak_kib\": %" PRId64 ", \"resident_before_kib\": %" PRId64 ", \"resident_kib\": %" PRId64 "}\n",
                 done, wall, requests / wall, requests * size / wall,
                 static_cast<double>(serverTime) / requests, static_cast<double>(loadTime) / requests,
                 static_cast<double>(serverTime + loadTime) / (wall * 1e9),
                 static_cast<double>(switches) / requests, latencies.quantile(0.5), latencies.quantile(0.99),
-                latencies.quantile(0.999), statusFigure(server, "VmHWM:"));
+                latencies.quantile(0.999), statusFigure(server, "VmHWM:"), residentBefore,
+                statusFigure(server, "VmRSS:"));
     return 0;
 }
