@@ -170,7 +170,7 @@ CVideoOverlayText* Runner::customTextAt(const QPoint& position) const
     for (const auto& text : texts) {
         CVideoOverlayText* const candidate = text;
         if (candidate && candidate->column() == position.x() && text && candidate->row() == position.y()) {
-            return candidate;
+            return text; // null if looking at it has deleted it
         }
     }
     return nullptr;
