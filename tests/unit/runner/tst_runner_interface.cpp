@@ -1,5 +1,6 @@
 // The selected interface: how it is kept, and what it decides about the TCP connection.
 
+#include "CaughtDebugLog.h"
 #include "HostedUnit.h"
 #include "ZelPeer.h"
 
@@ -43,6 +44,7 @@ private slots:
     void onlyTcpAnswersTheTcpClient();
     void selectionTakesEffectAtOnce();
     void selectionTakesEffectBetweenTwoFramesOfOneRead();
+    void frameOverTheOtherInterfaceLeavesATraceOnTheLog();
 };
 
 void TestRunnerInterface::initTestCase()
@@ -246,6 +248,20 @@ void TestRunnerInterface::selectionTakesEffectBetweenTwoFramesOfOneRead()
     QCOMPARE(unit.runner->interface(), Runner::Serial);
     QCOMPARE(unit.model().meterCounter1Position(), QPoint(5, 7));
     QCOMPARE(unit.manager.created.size(), 0);
+}
+
+void TestRunnerInterface::frameOverTheOtherInterfaceLeavesATraceOnTheLog()
+{
+    const HostedUnit unit(QStringLiteral("Serial"));
+    ZelPeer peer(unit.port);
+    QVERIFY(peer.isConnected());
+    const QByteArray write = frame(Protocol::Write, MoveMeterCounter1, "\x05\x07");
+    const CaughtDebugLog log("varundo.runner");
+    QCOMPARE(peer.exchange(write), Ack);
+    QCOMPARE(CaughtDebugLog::lines().filter(QStringLiteral("not acted upon")).size(), 1);
+    unit.runner->setInterface(Runner::Tcp);
+    QCOMPARE(peer.exchange(write), Ack);
+    QCOMPARE(CaughtDebugLog::lines().filter(QStringLiteral("not acted upon")).size(), 1);
 }
 
 QTEST_MAIN(TestRunnerInterface)
