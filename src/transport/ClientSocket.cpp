@@ -102,10 +102,10 @@ void ClientSocket::send(const char* bytes, int size)
         return;
     }
     // There may be room by now, though the event loop has not told: a slot can take long.
-    if (bytesToWrite() > 0) {
+    if (hasQueue()) {
         sendQueued();
     }
-    const int sent = m_connected && bytesToWrite() == 0 ? sendNow(bytes, size) : 0;
+    const int sent = m_connected && !hasQueue() ? sendNow(bytes, size) : 0;
     if (m_connected && sent < size) {
         m_queue.append(bytes + sent, size - sent);
         m_writable.setEnabled(true);
@@ -159,7 +159,7 @@ void ClientSocket::onWritable()
 {
     sendQueued();
     if (m_connected) {
-        m_writable.setEnabled(bytesToWrite() > 0);
+        m_writable.setEnabled(hasQueue());
         emit bytesWritten();
     }
 }
@@ -167,7 +167,7 @@ void ClientSocket::onWritable()
 void ClientSocket::sendQueued()
 {
     m_queueStart += sendNow(m_queue.constData() + m_queueStart, static_cast<int>(bytesToWrite()));
-    if (bytesToWrite() == 0) {
+    if (!hasQueue()) {
         m_queue.clear();
         m_queueStart = 0;
     } else if (m_queueStart > bytesToWrite()) {

@@ -59,6 +59,7 @@ private:
     void onWritable();
     int receive(char* buffer, int size);
     int sendNow(const char* bytes, int size);
+    bool hasQueue() const { return m_queueStart < m_queue.size(); }
     void sendQueued();
     void keepUnread();
     void fail();
