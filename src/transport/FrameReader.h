@@ -21,7 +21,8 @@ namespace Tolvar::Varundo {
 class FrameReader : public std::enable_shared_from_this<FrameReader>
 {
 public:
-    /// So long, and the frame that is being acted upon then, the event loop is kept waiting.
+    /// So long, and the frame that is being acted upon then, a call of process() takes. Before the event loop
+    /// is through once there may be two: of the turn that was asked for, and of new bytes.
     static constexpr int MaxTurnMs = 20;
     /// The longest read of a device: the longest frame and a little, so that such a frame comes in one read
     /// and is decoded in one go (4 % more bytes a second than with 64 KiB; with 16 KiB it is 10 % less). All

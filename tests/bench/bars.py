@@ -49,7 +49,8 @@ def _tail(results):
     of_scenario = results.get("one", {})
     ratios = {name: figures["p999_ns"]["median"] / figures["p50_ns"]["median"] for name, figures in of_scenario.items()}
     if "redrawing" in ratios:
-        beside = f"epoll floor, redrawing nothing: {ratios['epoll floor']:.2f}" if "epoll floor" in ratios else ""
+        still = [f"{name} {ratios[name]:.2f}" for name in ("library", "Qt floor", "epoll floor") if name in ratios]
+        beside = f"redrawing nothing: {', '.join(still)}" if still else ""
         yield Bar("p99.9 of the latency while redrawing, of p50", ratios["redrawing"], most=3, beside=beside)
 
 
@@ -83,12 +84,20 @@ def is_kept(bar):
     return (bar.least is None or bar.value >= bar.least) and (bar.most is None or bar.value <= bar.most)
 
 
+def _figure(bar):
+    """Rounded, but never onto the bound or across it."""
+    bound = bar.most if bar.least is None else bar.least
+    for digits in range(0 if bar.unit == "KiB" else 2, 9):
+        text = f"{bar.value:.{digits}f}"
+        if is_kept(bar) or float(text) != bound:
+            break
+    return text
+
+
 def cells(bar):
     """What, figure, bound, verdict, remark: as text."""
-    # Never so round that a figure looks as if it were on the bound's other side.
-    digits = 0 if bar.unit == "KiB" else 2 if is_kept(bar) or f"{bar.value:.2f}" != f"{bar.least or bar.most:.2f}" else 3
-    bound = f"at least {bar.least:g}" if bar.least is not None else f"at most {bar.most:g}"
-    return [bar.what, f"{bar.value:.{digits}f} {bar.unit}".rstrip(), f"{bound} {bar.unit}".rstrip(),
+    bound = f"at most {bar.most:g}" if bar.least is None else f"at least {bar.least:g}"
+    return [bar.what, f"{_figure(bar)} {bar.unit}".rstrip(), f"{bound} {bar.unit}".rstrip(),
             "kept" if is_kept(bar) else "missed", bar.beside]
 
 

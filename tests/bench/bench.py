@@ -17,23 +17,31 @@ import compare  # noqa: E402
 
 def run_sockets(folder, given):
     results = compare.compare(os.path.join(folder, "sockets"), given.rounds, given.seconds, given.cpu,
-                              given.servers.split(","), given.scenarios.split(","))
+                              given.servers, given.scenarios)
     print("\n".join(compare.table(results)))
     figures = {"rounds": given.rounds, "seconds": given.seconds, "results": results}
-    if "library" in given.servers.split(","):
+    if "library" in given.servers:
         figures["memory"] = compare.memory(os.path.join(folder, "sockets"), given.cpu)
     return figures
 
 
 def run_micro(folder, arguments):
-    output = subprocess.run(
-        [os.path.join(folder, "operations", "micro"), "--benchmark_format=json", *arguments], check=True,
-        stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, env=counts.ENVIRONMENT).stdout
+    program = os.path.join(folder, "operations", "micro")
+
+    def output(*options):
+        return subprocess.run([program, *options], check=True, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True,
+                              env=counts.ENVIRONMENT).stdout
+
+    filters = [[]]
+    if not any(argument.startswith("--benchmark_filter") for argument in arguments):
+        # Over TCP each in a process of its own, see counts.count().
+        alone = [name for name in output("--benchmark_list_tests").splitlines() if name.startswith("over TCP")]
+        filters = [["--benchmark_filter=-^over TCP"], *([f"--benchmark_filter=^{name}$"] for name in alone)]
     times = {}
-    for one in json.loads(output)["benchmarks"]:
-        # A run may do its thing several times.
-        each = 1e9 / one["items_per_second"]
-        times[one["name"]] = round(each, 1)
+    for chosen in filters:
+        for one in json.loads(output("--benchmark_format=json", *chosen, *arguments))["benchmarks"]:
+            # A run may do its thing several times.
+            times[one["name"]] = round(1e9 / one["items_per_second"], 1)
     print("\n".join(f"{name:50} {each:14,.1f} ns" for name, each in times.items()))
     return times
 
@@ -54,6 +62,15 @@ def run_counts(folder, given):
     return counted, not grown
 
 
+def names_of(known):
+    def names(text):
+        unknown = [name for name in text.split(",") if name not in known]
+        if unknown:
+            raise argparse.ArgumentTypeError(f"{', '.join(unknown)}: there are {', '.join(known)}")
+        return text.split(",")
+    return names
+
+
 def parse(arguments):
     parser = argparse.ArgumentParser(prog="scripts/bench", description=__doc__)
     parser.add_argument("folder")
@@ -61,13 +78,18 @@ def parse(arguments):
     parser.add_argument("--rounds", type=int, default=5)
     parser.add_argument("--seconds", type=float, default=1.0, help="of each run over sockets")
     parser.add_argument("--cpu", type=int, default=max(os.sched_getaffinity(0)))
-    parser.add_argument("--servers", default=",".join(compare.SERVERS))
-    parser.add_argument("--scenarios", default=",".join(compare.SCENARIOS))
+    parser.add_argument("--servers", type=names_of(compare.SERVERS), default=list(compare.SERVERS))
+    parser.add_argument("--scenarios", type=names_of(compare.SCENARIOS), default=list(compare.SCENARIOS))
     parser.add_argument("--accept", metavar="REASON", help="make what is counted the new baseline")
     parser.add_argument("--json", metavar="FILE", help="where all figures go")
     parser.add_argument("--svg", metavar="FILE", help="where the plot of the comparison goes")
-    parser.add_argument("--document", metavar="FILE", help="where the tables go, between marks; of a whole run only")
-    return parser.parse_known_args(arguments)
+    parser.add_argument("--document", metavar="FILE", help="where the tables of a whole run go, between marks")
+    given, rest = parser.parse_known_args(arguments)
+    if rest and given.what not in ("all", "micro"):
+        parser.error(f"unknown: {' '.join(rest)}")
+    if given.document and given.what != "all":
+        parser.error("--document wants a whole run")
+    return given, rest
 
 
 def main():
@@ -86,12 +108,12 @@ def main():
     kept = bars.check(figures, compare.SCENARIOS)
     figures["bars"] = bars.records(kept)
     print("\n".join(["", *bars.table(kept)]))
-    if given.document:
-        report.write(given.document, report.text(figures, kept, compare.SCENARIOS))
     if given.json:
         with open(given.json, "w", encoding="utf-8") as file:
             json.dump(figures, file, indent=1, ensure_ascii=False)
             file.write("\n")
+    if given.document:
+        report.write(given.document, report.text(figures, kept, compare.SCENARIOS))
     return 0 if has_not_grown else 1
 
 

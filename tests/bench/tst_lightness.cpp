@@ -46,8 +46,8 @@ void talk(BenchUnit& unit, const QVector<QByteArray>& frames, int replySize, int
     }
 }
 
-/// How far a counter is taken by some requests. Once a second the serial port's watcher reports and the
-/// clean-up tick comes, which is nobody's request: the least of a few rounds counts.
+/// How far a counter is taken by some requests. The watcher's reports and the clean-up ticks are nobody's
+/// request: the least of a few rounds counts.
 template <class Counter, class Requests>
 quint64 leastOfRounds(Counter counter, Requests makeRequests)
 {

@@ -1,7 +1,7 @@
 // counts: prints how many heap allocations each operation takes, as JSON. Under callgrind, which it is made
 // for too, it has the instructions of each operation dumped under the operation's name.
 //
-// Takes the beginnings of names as arguments, to leave the others out.
+// Takes names as arguments, to leave the others out; --list prints all of them.
 
 #include "AllocationCounter.h"
 #include "Operation.h"
@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstring>
 
 using namespace Tolvar::Varundo;
 
@@ -29,8 +30,7 @@ bool isLarge(const std::string& name)
 
 bool isWanted(const std::string& name, int argc, char** argv)
 {
-    return argc < 2 || std::any_of(argv + 1, argv + argc,
-                                   [&](const char* beginning) { return name.rfind(beginning, 0) == 0; });
+    return argc < 2 || std::find(argv + 1, argv + argc, name) != argv + argc;
 }
 
 /// Allocations of all runs together. The instructions are the runs' own and this loop's.
@@ -59,6 +59,12 @@ int main(int argc, char** argv)
 {
     const QGuiApplication application(argc, argv);
     QLoggingCategory::setFilterRules(QStringLiteral("varundo.*=false"));
+    if (argc == 2 && std::strcmp(argv[1], "--list") == 0) {
+        for (const Bench::OperationMaker& maker : Bench::allOperations()) {
+            std::puts(maker.name.c_str());
+        }
+        return 0;
+    }
     const char* separator = "{\n";
     for (const Bench::OperationMaker& maker : Bench::allOperations()) {
         if (!isWanted(maker.name, argc, argv)) {

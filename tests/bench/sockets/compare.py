@@ -8,13 +8,13 @@ import subprocess
 import sys
 
 SERVERS = {
-    # name: (program, protocol that the load speaks, what it is)
-    "library": ("unit_server", "zel", "the library in a bare host"),
-    "redrawing": ("redrawing_server", "zel", "the simulator's unit, which redraws its overlay 25 times a second"),
-    "Qt floor": ("qt_floor", "zel", "QTcpServer that decodes nothing"),
-    "epoll floor": ("epoll_floor", "zel", "epoll by hand, decodes nothing"),
-    "QtSerialBus": ("serialbus_server", "modbus", "QtSerialBus' Modbus server"),
-    "libmodbus": ("libmodbus_server", "modbus", "libmodbus' server"),
+    # name: (program, protocol that the load speaks)
+    "library": ("unit_server", "zel"),
+    "redrawing": ("redrawing_server", "zel"),
+    "Qt floor": ("qt_floor", "zel"),
+    "epoll floor": ("epoll_floor", "zel"),
+    "QtSerialBus": ("serialbus_server", "modbus"),
+    "libmodbus": ("libmodbus_server", "modbus"),
 }
 
 SCENARIOS = {
