@@ -23,8 +23,8 @@ class ClientSocket final : public QObject
     Q_PROPERTY(bool connected READ isConnected)
 
 public:
-    /// So often at most in one turn of the event loop, the descriptor is read again after a reply, since the
-    /// next request may be there. Saves that request the turn (a tenth of its processor time); one that is
+    /// So often at most the descriptor is read in one turn of the event loop: again after each reply, since
+    /// the next request may be there. Saves that request the turn (a tenth of its processor time); one that is
     /// not there costs a system call.
     static constexpr int MaxReadsATurn = 16;
 
