@@ -9,8 +9,6 @@ import tempfile
 
 BASELINE = os.path.join(os.path.dirname(os.path.abspath(__file__)), "baseline.json")
 TOLERANCE = 0.03
-# The event loop's part of these depends a little on when the kernel wakes it; the library's own does not.
-LOOSER = {"over TCP": 0.10}
 
 ENVIRONMENT = {**os.environ, "QT_QPA_PLATFORM": "offscreen", "QT_HASH_SEED": "0", "QT_LOGGING_RULES": "*=false",
                # Without what only some processors have: else the counts would be this machine's own.
@@ -77,10 +75,9 @@ def growth(counts, of_baseline):
         if name not in counts or name not in of_baseline:
             found.append(f"{name}: {'not in the baseline' if name in counts else 'not measured any more'}")
             continue
-        tolerance = next((loose for start, loose in LOOSER.items() if name.startswith(start)), TOLERANCE)
-        for what, bound in (("instructions", tolerance), ("allocations", TOLERANCE)):
+        for what in ("instructions", "allocations"):
             before, now = of_baseline[name][what], counts[name][what]
-            if now > before * (1 + bound):
+            if now > before * (1 + TOLERANCE):
                 found.append(f"{name}: {before:,.10g} {what} before, {now:,.10g} now")
     return found
 
