@@ -20,7 +20,7 @@ using namespace Tolvar::Varundo;
 namespace {
 
 constexpr int warmUps = 70; // past the first growth of everything that grows by doubling
-constexpr int runs = 100; // so that a tick or two of the unit's own among them do not matter
+constexpr int runs = 100;   // so that a tick or two of the unit's own among them do not matter
 
 /// What takes long is not done that often.
 bool isLarge(const std::string& name)
