@@ -193,7 +193,7 @@ int ClientSocket::receive(char* buffer, int size)
 {
     const ssize_t received = recv(m_descriptor, buffer, static_cast<std::size_t>(size), MSG_DONTWAIT);
     m_mayHaveMore = received == size;
-    m_readsLeft = received > 0 ? m_readsLeft - 1 : 0;
+    --m_readsLeft;
     if (received == 0 || (received < 0 && !isTemporary(errno))) {
         m_hasEnded = true; // the notifier fires again, and the end is told from there
     }
