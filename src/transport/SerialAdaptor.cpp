@@ -103,7 +103,6 @@ SerialAdaptor::SerialAdaptor(QString portName, QObject* parent)
 SerialAdaptor::~SerialAdaptor()
 {
     stopWatcher();
-    m_serialPort->disconnect(this);
     m_reader->transportDestroyed(m_serialPort);
 }
 
