@@ -74,6 +74,7 @@ private slots:
     void aFrameMayArriveByteByByte();
     void closingAndOpeningDoesNotResetTheDecoder();
     void whatArrivedBeforeThePortIsClosedIsCarriedOut();
+    void restOfALongReadIsCarriedOutThoughThePortIsClosed();
 
     void anOpenThatFailsIsToldAndMayBeTriedAgain();
     void aFailedOpenFollowedByACloseLeavesThePortClosed();
@@ -308,6 +309,19 @@ void TestSerialAdaptorOperations::whatArrivedBeforeThePortIsClosedIsCarriedOut()
     QVERIFY(line.sendHex("02 05 01 00 00 03"));
     QTRY_COMPARE(adaptor.records, told("5/1 0:,6/1 0:"));
     QVERIFY(hasArrived);
+}
+
+void TestSerialAdaptorOperations::restOfALongReadIsCarriedOutThoughThePortIsClosed()
+{
+    PseudoSerialLine line("ttyUSB7");
+    ObservedAdaptor adaptor;
+    connect(adaptor.operator->(), &SerialAdaptor::receivedValidMessage, [&] {
+        adaptor->closeSerialPort(); // so that no reply's having gone begins the next turn
+        QTest::qSleep(30);          // longer than a turn is to be
+    });
+    adaptor->openSerialPort(QStringLiteral("ttyUSB7"));
+    QVERIFY(line.sendHex("02 05 01 00 00 03 02 06 01 00 00 03 02 07 01 00 00 03"));
+    QTRY_COMPARE(adaptor.records, told("5/1 0:,6/1 0:,7/1 0:"));
 }
 
 void TestSerialAdaptorOperations::anOpenThatFailsIsToldAndMayBeTriedAgain()
