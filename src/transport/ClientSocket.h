@@ -24,8 +24,8 @@ class ClientSocket final : public QObject
 
 public:
     /// So often at most the descriptor is read in one turn of the event loop: again after each reply, since
-    /// the next request may be there. Saves that request the turn (a tenth of its processor time); one that is
-    /// not there costs a system call.
+    /// the next request may be there. Saves that request the turn (a tenth of its processor time); one that
+    /// is not there costs a system call.
     static constexpr int MaxReadsATurn = 16;
 
     /// Takes over a connected descriptor, blocking or not. What nobody takes up is received all the same, up
