@@ -62,6 +62,15 @@ def run_counts(folder, given):
     return counted, not grown
 
 
+def positive(kind):
+    def number(text):
+        value = kind(text)
+        if not 0 < value < float("inf"):
+            raise argparse.ArgumentTypeError(f"{text} is not above 0")
+        return value
+    return number
+
+
 def names_of(known):
     def names(text):
         unknown = [name for name in text.split(",") if name not in known]
@@ -75,8 +84,8 @@ def parse(arguments):
     parser = argparse.ArgumentParser(prog="scripts/bench", description=__doc__)
     parser.add_argument("folder")
     parser.add_argument("what", nargs="?", choices=["all", "sockets", "micro", "counts"], default="all")
-    parser.add_argument("--rounds", type=int, default=5)
-    parser.add_argument("--seconds", type=float, default=1.0, help="of each run over sockets")
+    parser.add_argument("--rounds", type=positive(int), default=5)
+    parser.add_argument("--seconds", type=positive(float), default=1.0, help="of each run over sockets")
     parser.add_argument("--cpu", type=int, default=max(os.sched_getaffinity(0)))
     parser.add_argument("--servers", type=names_of(compare.SERVERS), default=list(compare.SERVERS))
     parser.add_argument("--scenarios", type=names_of(compare.SCENARIOS), default=list(compare.SCENARIOS))
