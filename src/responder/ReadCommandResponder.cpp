@@ -17,6 +17,7 @@
 
 #include <cmath>
 #include <cstring>
+#include <utility>
 
 namespace Tolvar::Varundo {
 
@@ -29,26 +30,33 @@ char lowByte(int number)
     return static_cast<char>(number & 0xFF);
 }
 
-/// Appends a number's bit pattern, most significant byte first; the frame's own length field is the other way
-/// round.
+/// A payload of one byte for each number.
+template <class... Numbers>
+QByteArray lowBytes(Numbers... numbers)
+{
+    const char bytes[] = {lowByte(numbers)...};
+    return QByteArray(bytes, static_cast<int>(sizeof bytes));
+}
+
+/// A number's bit pattern, most significant byte first; the frame's own length field is the other way round.
 template <class Bits, class Number>
-void appendBigEndian(QByteArray& bytes, Number number)
+QByteArray bigEndian(Number number)
 {
     static_assert(sizeof(Bits) == sizeof(Number), "the number is sent as its bit pattern");
     Bits bits;
     std::memcpy(&bits, &number, sizeof bits);
     bits = qToBigEndian(bits);
-    bytes.append(reinterpret_cast<const char*>(&bits), static_cast<int>(sizeof bits));
+    return QByteArray(reinterpret_cast<const char*>(&bits), static_cast<int>(sizeof bits));
 }
 
-void appendSingle(QByteArray& bytes, float number)
+QByteArray singleBytes(float number)
 {
-    appendBigEndian<quint32>(bytes, number);
+    return bigEndian<quint32>(number);
 }
 
-void appendDouble(QByteArray& bytes, double number)
+QByteArray doubleBytes(double number)
 {
-    appendBigEndian<quint64>(bytes, number);
+    return bigEndian<quint64>(number);
 }
 
 /// A missing device is told once in the life of the process, not once a request.
@@ -96,7 +104,7 @@ ReadCommandResponder::ReadCommandResponder(DataManager* dataManager, QObject* pa
 CommandMessage ReadCommandResponder::createCommand(char cmdId, QByteArray data, char grpId)
 {
     const auto length = static_cast<quint16>(data.size() & 0xFFFF);
-    return {static_cast<quint8>(cmdId), static_cast<quint8>(grpId), length, data};
+    return {static_cast<quint8>(cmdId), static_cast<quint8>(grpId), length, std::move(data)};
 }
 
 // States: format, visible, column, row. A number beyond a byte is cut to its low byte, on purpose.
@@ -164,38 +172,24 @@ void ReadCommandResponder::onReadMeterCounter3Value()
 
 void ReadCommandResponder::onReadDateValue()
 {
-    constexpr char century = 0x14;
+    constexpr int century = 20;
     // Adding 48 and letting the byte overflow takes 2000 off, and is right until 2207; the year byte that a
     // controller sees for a wrong clock depends on it.
     constexpr int yearOffset = 48;
     const QDate today = QDate::currentDate();
-    QByteArray payload;
-    payload.append(lowByte(today.day()));
-    payload.append(lowByte(today.month()));
-    payload.append(century);
-    payload.append(lowByte(today.year() + yearOffset));
-    answer(0x40, payload);
+    answer(0x40, lowBytes(today.day(), today.month(), century, today.year() + yearOffset));
 }
 
 void ReadCommandResponder::onReadTimeValue()
 {
     const QTime now = QTime::currentTime();
-    QByteArray payload;
-    payload.append(lowByte(now.hour()));
-    payload.append(lowByte(now.minute()));
-    payload.append(lowByte(now.second()));
-    payload.append('\0');
-    answer(0x50, payload);
+    answer(0x50, lowBytes(now.hour(), now.minute(), now.second(), 0));
 }
 
 void ReadCommandResponder::onReadVideoCounterValue()
 {
-    QByteArray payload;
-    payload.append(lowByte(m_dataManager->videoCounterHours()));
-    payload.append(lowByte(m_dataManager->videoCounterMinutes()));
-    payload.append(lowByte(m_dataManager->videoCounterSeconds()));
-    payload.append(lowByte(m_dataManager->videoCounterFrames()));
-    answer(0x70, payload);
+    answer(0x70, lowBytes(m_dataManager->videoCounterHours(), m_dataManager->videoCounterMinutes(),
+                          m_dataManager->videoCounterSeconds(), m_dataManager->videoCounterFrames()));
 }
 
 // Texts.
@@ -238,7 +232,7 @@ void ReadCommandResponder::onReadSoftwareID()
 
 void ReadCommandResponder::onReadTextCodec()
 {
-    answer(0x01, QByteArray(1, lowByte(m_dataManager->textCodec())));
+    answer(0x01, lowBytes(m_dataManager->textCodec()));
 }
 
 // Measurement devices. Who asks one calls the host, which may do anything meanwhile: take the device away, or
@@ -258,9 +252,9 @@ void ReadCommandResponder::onReadLaserCalibrationValue(unsigned char index)
     }
     QByteArray payload(1, static_cast<char>(index));
     if (index == 1) {
-        appendDouble(payload, first / 100.0);
+        payload += doubleBytes(first / 100.0);
     } else if (index == 2) {
-        appendDouble(payload, second / 100000.0);
+        payload += doubleBytes(second / 100000.0);
     }
     answer(0xFD, payload);
 }
@@ -280,31 +274,20 @@ void ReadCommandResponder::onRead3DMeasurementValues()
     if (!self) {
         return;
     }
-    QByteArray payload;
-    appendDouble(payload, position.x);
-    appendDouble(payload, position.y);
-    appendDouble(payload, position.z);
-    appendSingle(payload, angle);
-    answer(0xD4, payload);
+    answer(0xD4,
+           doubleBytes(position.x) + doubleBytes(position.y) + doubleBytes(position.z) + singleBytes(angle));
 }
 
 // The shapes of an answer.
 
 void ReadCommandResponder::answerState(quint8 cmdId, int format, bool visible, const QPoint& position)
 {
-    QByteArray payload;
-    payload.append(lowByte(format));
-    payload.append(lowByte(visible));
-    payload.append(lowByte(position.x()));
-    payload.append(lowByte(position.y()));
-    answer(cmdId, payload);
+    answer(cmdId, lowBytes(format, visible, position.x(), position.y()));
 }
 
 void ReadCommandResponder::answerValue(quint8 cmdId, float value)
 {
-    QByteArray payload;
-    appendSingle(payload, value);
-    answer(cmdId, payload);
+    answer(cmdId, singleBytes(value));
 }
 
 void ReadCommandResponder::answerDistance(quint8 cmdId, float (ITolvarReel::*distance)() const)

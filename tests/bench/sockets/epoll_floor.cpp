@@ -15,7 +15,7 @@ namespace {
 
 int listenOn(std::uint16_t port)
 {
-    // Both families on one socket, as the library has it; the kernel takes longer to send on such a one.
+    // Both families on one socket, as the library has it.
     const int listener = socket(AF_INET6, SOCK_STREAM | SOCK_CLOEXEC, 0);
     const int on = 1;
     const int off = 0;
