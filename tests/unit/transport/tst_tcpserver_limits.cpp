@@ -59,6 +59,7 @@ private slots:
 
     void soManyOlderClientsStayOpenAndNoMore();
     void anOlderClientThatWentMakesRoom();
+    void aClientThatGoesWhileItsFrameIsActedUponIsNoOlderOne();
     void clientsThatComeAndGoLeaveNoDescriptorBehind();
     void afterRunningOutOfDescriptorsTheServerAcceptsAgain_data();
     void afterRunningOutOfDescriptorsTheServerAcceptsAgain();
@@ -116,6 +117,34 @@ void TestTcpServerLimits::anOlderClientThatWentMakesRoom()
     for (std::size_t i = 0; i < clients.size(); ++i) {
         QCOMPARE(clients.at(i)->isConnected(), i != 5);
     }
+}
+
+/// Its socket is kept until the slot has returned, and another client comes before that.
+void TestTcpServerLimits::aClientThatGoesWhileItsFrameIsActedUponIsNoOlderOne()
+{
+    ObservedTcpServer server;
+    std::vector<std::unique_ptr<WireClient>> clients;
+    const auto first = server.connectClient();
+    QVERIFY(first);
+    const quint16 port = first->socket().localPort();
+    server.onRecord([&](const CommandMessage&) {
+        if (!clients.empty()) {
+            return;
+        }
+        first->close();
+        QTRY_COMPARE(descriptorOfPeer(port), -1);
+        clients.push_back(server.connectClient());
+    });
+    first->sendHex("02 05 01 00 00 03");
+    QTRY_COMPARE(clients.size(), std::size_t(1));
+    QTRY_COMPARE(server.sockets().size(), 1);
+    while (clients.size() < TcpServer::MaxOlderClients + 2) {
+        QVERIFY(clients.back());
+        clients.push_back(server.connectClient());
+    }
+    QTRY_VERIFY(!clients.front()->isConnected());
+    clients.back()->sendHex("02 05 01 00 00 03");
+    QTRY_COMPARE(clients.back()->receivedHex(), QByteArray("06"));
 }
 
 void TestTcpServerLimits::clientsThatComeAndGoLeaveNoDescriptorBehind()
