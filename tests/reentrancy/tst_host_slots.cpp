@@ -40,9 +40,9 @@ bool isSensible(const HostTrigger& trigger, const HostAction& action)
     return !(answersWithItsOwn && action.name == QByteArray("destroys the overlay"));
 }
 
-/// An emulator takes seconds to start a unit, memcheck too, and what a host's slot may do hangs on the library's
-/// order of calls, not on the processor: there, some rows show that it holds for the unit's build and that no
-/// memory is looked at that was never written.
+/// An emulator takes seconds to start a unit, memcheck too, and what a host's slot may do hangs on the
+/// library's order of calls, not on the processor: there, some rows show that it holds for the unit's build
+/// and that no memory is looked at that was never written.
 size_t oneRowInHowMany()
 {
     if (qEnvironmentVariableIsSet("VARUNDO_TEST_UNDER_MEMCHECK")) {
