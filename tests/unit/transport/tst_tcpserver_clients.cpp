@@ -406,10 +406,13 @@ void TestTcpServerClients::aClientMayHaveTheFirstDescriptor()
         client.sendHex("02 05 01 00 00 03");
         const bool isServed = QTest::qWaitFor([&] { return client.receivedHex() == "06"; });
         const int first = descriptorOfPeer(client.socket().localPort());
+        client.close();
+        const bool isGone = QTest::qWaitFor([&] { return server.sockets().isEmpty(); });
         server.destroy();
         dup2(input, 0);
         QVERIFY(isServed);
         QCOMPARE(first, 0);
+        QVERIFY(isGone);
     }
     close(input);
 }
