@@ -1,5 +1,6 @@
-// A race on purpose: two threads count in one plain number, both called by Qt's event loop, one of them by a
-// queued call from the other. It passes as a test when the thread sanitizer reports it.
+// Races on purpose: two threads count in one plain number, both called by Qt's event loop, one of them by a
+// queued call from the other; and in another number, one of them from a destructor that ~QObject() has
+// called. It passes as a test when the thread sanitizer reports them.
 
 #include <QCoreApplication>
 #include <QThread>
@@ -22,6 +23,7 @@ public:
         ++m_count; // without a lock
         emit counted();
     }
+    void countEndsInBothThreads() { ++m_ends; }
     [[nodiscard]] bool isDone() const { return m_count >= LastCount; }
 
 signals:
@@ -29,6 +31,20 @@ signals:
 
 private:
     int m_count = 0;
+    int m_ends = 0;
+};
+
+class CountedEnd final : public QObject
+{
+public:
+    CountedEnd(RacingCounter& counter, QObject* parent)
+        : QObject(parent)
+        , m_counter(counter)
+    {}
+    ~CountedEnd() override { m_counter.countEndsInBothThreads(); }
+
+private:
+    RacingCounter& m_counter;
 };
 
 } // namespace
@@ -41,6 +57,7 @@ int main(int argc, char** argv)
     counter.moveToThread(&thread);
 
     auto* const there = new QTimer;
+    new CountedEnd(counter, there);
     there->moveToThread(&thread);
     QObject::connect(&thread, &QThread::started, there, [there] { there->start(1); });
     QObject::connect(&thread, &QThread::finished, there, &QObject::deleteLater);
@@ -56,6 +73,7 @@ int main(int argc, char** argv)
     here.start(1);
     thread.start();
     QCoreApplication::exec();
+    counter.countEndsInBothThreads();
     thread.quit();
     thread.wait();
     std::puts("the race was run");
