@@ -191,8 +191,7 @@ void TestHostileTcp::clientThatDiesAtAnyByteIsFollowedByOneThatIsServed()
 {
     QFETCH(QByteArray, frame);
     ModelDecoder model;
-    for (int cut = 0; cut <= frame.size();
-         cut = cut < 12 || cut >= frame.size() - 4 ? cut + 1 : frame.size() - 4) {
+    for (int cut = 0; cut <= frame.size(); ++cut) {
         for (const bool byReset : {false, true}) {
             const QByteArray where = QByteArray::number(cut) + (byReset ? " RST" : " FIN");
             // The answer to the first request shows that the unit has read what stands behind it.
