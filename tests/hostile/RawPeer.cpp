@@ -3,6 +3,7 @@
 #include <arpa/inet.h>
 #include <cerrno>
 #include <fcntl.h>
+#include <linux/filter.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <poll.h>
@@ -125,6 +126,13 @@ void RawPeer::reset()
     const linger atOnce{1, 0};
     setsockopt(m_descriptor, SOL_SOCKET, SO_LINGER, &atOnce, sizeof atOnce);
     close();
+}
+
+bool RawPeer::vanish()
+{
+    sock_filter takeNothing{BPF_RET | BPF_K, 0, 0, 0};
+    const sock_fprog filter{1, &takeNothing};
+    return setsockopt(m_descriptor, SOL_SOCKET, SO_ATTACH_FILTER, &filter, sizeof filter) == 0;
 }
 
 } // namespace Tolvar::Varundo::Test

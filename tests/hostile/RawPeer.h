@@ -44,6 +44,10 @@ public:
 
     void close(); ///< with FIN
     void reset(); ///< with RST
+    /// As if the cable were cut: from now on the kernel drops whatever comes, so that the other end is not
+    /// even told that nobody takes it. Good for as long as this is neither closed nor sent with. False if the
+    /// machine cannot do that.
+    bool vanish();
 
 private:
     explicit RawPeer(int descriptor)

@@ -1,6 +1,7 @@
 #include "Conversation.h"
 #include "HostileWords.h"
 #include "Isolation.h"
+#include "KeepAliveTimes.h"
 #include "ModelDecoder.h"
 #include "RawPeer.h"
 
@@ -75,6 +76,9 @@ private slots:
     void clientThatDiesAtAnyByteIsFollowedByOneThatIsServed_data();
     void clientThatDiesAtAnyByteIsFollowedByOneThatIsServed();
     void connectionsThatSayNothingTakeNobodysPlace();
+    void peersThatVanishWithoutAWordTakeNobodysPlace_data();
+    void peersThatVanishWithoutAWordTakeNobodysPlace();
+    void peersThatVanishWithoutAWordAreFoundOutByKeepAlive();
     void garbageIsSurvived_data();
     void garbageIsSurvived();
     void largestFramesBackToBack();
@@ -240,6 +244,75 @@ void TestHostileTcp::connectionsThatSayNothingTakeNobodysPlace()
     QCOMPARE(peer.exchange(numberedRead(10), 8), numberedAnswer(10));
     QTRY_VERIFY(m_unit->descriptors() <= m_descriptors + 1 + TcpServer::MaxOlderClients);
     QCOMPARE(peer.exchange(numberedRead(11), 8), numberedAnswer(11));
+}
+
+void TestHostileTcp::peersThatVanishWithoutAWordTakeNobodysPlace_data()
+{
+    const QByteArray unfinished = frame(Protocol::Write, 0x90, QByteArray("\2AB"));
+    const QByteArray large = frame(Protocol::Read, 0x90, QByteArray(1, '\1'));
+    QTest::addColumn<QByteArray>("lastWords");
+    QTest::addColumn<QByteArray>("continuation"); // which is the next one's to say
+    QTest::newRow("at rest") << QByteArray() << QByteArray();
+    QTest::newRow("in the middle of a frame") << unfinished.left(6) << unfinished.mid(6);
+    QTest::newRow("with answers on the way") << large.repeated(20) << QByteArray();
+}
+
+void TestHostileTcp::peersThatVanishWithoutAWordTakeNobodysPlace()
+{
+    QFETCH(QByteArray, lastWords);
+    QFETCH(QByteArray, continuation);
+    const QByteArray text = QByteArray(1, '\1') + QByteArray(60000, 'x');
+    std::vector<RawPeer> vanished;
+    RawPeer next = RawPeer::connectTo(m_unit->port());
+    QCOMPARE(next.exchange(frame(Protocol::Write, 0x90, text), 1), acknowledgement());
+    QElapsedTimer timer;
+    qint64 waited = 0;
+    for (int number = 0; number < 50; ++number) {
+        vanished.push_back(RawPeer::connectTo(m_unit->port()));
+        RawPeer& peer = vanished.back();
+        // The answer shows that the unit has read what stands behind the request, too.
+        QCOMPARE(peer.exchange(numberedRead(number) + lastWords, 8), numberedAnswer(number));
+        if (!peer.vanish()) {
+            QSKIP("this machine does not let a peer vanish");
+        }
+        timer.start();
+        next = RawPeer::connectTo(m_unit->port());
+        const QByteArray heard = continuation.isEmpty() ? QByteArray() : acknowledgement();
+        QCOMPARE(next.exchange(continuation + numberedRead(99 - number), heard.size() + 8),
+                 heard + numberedAnswer(99 - number));
+        waited += timer.nsecsElapsed() / 1000;
+        QVERIFY(m_unit->descriptors() <= m_descriptors + 1 + TcpServer::MaxOlderClients);
+    }
+    QVERIFY2(waited < AtOnceUs, qPrintable(QStringLiteral("waited for %1 us").arg(waited)));
+    QVERIFY(m_unit->descriptors() > m_descriptors + TcpServer::MaxOlderClients / 2); // nor has it noticed
+    QVERIFY2(growth() < MaxGrowthKiB, qPrintable(grown()));
+}
+
+/// Else those that the unit still keeps would stay for as long as nobody else comes.
+void TestHostileTcp::peersThatVanishWithoutAWordAreFoundOutByKeepAlive()
+{
+    if (!hasOwn("net")) {
+        QSKIP("in the machine's own network a test does not change how long a peer may be silent");
+    }
+    const KeepAliveTimes keepAlive;
+    if (!keepAlive.areSet()) {
+        QSKIP("this machine does not permit to change how long a peer may be silent");
+    }
+    std::vector<RawPeer> vanished;
+    for (int number = 0; number < TcpServer::MaxOlderClients; ++number) {
+        vanished.push_back(RawPeer::connectTo(m_unit->port()));
+        QCOMPARE(vanished.back().exchange(numberedRead(number), 8), numberedAnswer(number));
+        if (!vanished.back().vanish()) {
+            QSKIP("this machine does not let a peer vanish");
+        }
+    }
+    RawPeer newest = RawPeer::connectTo(m_unit->port());
+    QCOMPARE(newest.exchange(numberedRead(12), 8), numberedAnswer(12));
+    QTRY_COMPARE_WITH_TIMEOUT(m_unit->descriptors(), m_descriptors + 1, 60000);
+    QCOMPARE(newest.exchange(numberedRead(13), 8), numberedAnswer(13));
+    QVERIFY(newest.vanish());
+    QTRY_COMPARE_WITH_TIMEOUT(m_unit->descriptors(), m_descriptors, 60000);
+    QVERIFY(isServing());
 }
 
 void TestHostileTcp::garbageIsSurvived_data()
