@@ -43,6 +43,11 @@ const char* const profiles[] = {
 
 } // namespace
 
+FuzzedUnit::Deliveries::Deliveries()
+{
+    QCoreApplication::instance()->installEventFilter(this);
+}
+
 FuzzedUnit::FuzzedUnit()
 {
     // In memory: the settings are made durable at each change of the interface.
@@ -172,6 +177,7 @@ void FuzzedUnit::begin()
 /// Decoder, overlay, model: whatever an input may have left behind.
 void FuzzedUnit::restore()
 {
+    m_typed = 0;
     m_runner->setInterface(Runner::Tcp);
     disconnectNewest();
     connectController();
@@ -200,7 +206,7 @@ void FuzzedUnit::settle()
 {
     auto* const dispatcher = QThread::currentThread()->eventDispatcher();
     int turns = 0;
-    while (dispatcher->processEvents(QEventLoop::AllEvents)) {
+    while (dispatcher->processEvents(QEventLoop::AllEvents) || m_deliveries.haveCome()) {
         demand(++turns < longestSettling, "the event loop comes to rest");
     }
     // There is no loop that runs, and outside of one only those who ask have objects deleted later.

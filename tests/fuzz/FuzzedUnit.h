@@ -11,10 +11,12 @@
 #include <Tolvar/VideoOverlay/CVideoOverlayControlBackend.h>
 
 #include <QByteArray>
+#include <QObject>
 #include <QVector>
 
 #include <memory>
 #include <optional>
+#include <utility>
 
 namespace Tolvar::Varundo::Test {
 
@@ -29,6 +31,9 @@ public:
     static constexpr int MaxControllers = 24; ///< more than the unit keeps
     /// More than a socket's buffer has to be taken in parts, and those are reads of their own.
     static constexpr int LargestRead = 16384;
+    /// Characters, by one input; then it sends nothing more. Each costs as much as there are already, and a
+    /// few of the longest frames, read as text, would be a minute's work.
+    static constexpr int MostTyped = 15000;
 
     FuzzedUnit();
     ~FuzzedUnit();
@@ -65,6 +70,23 @@ private:
         void setDateTime(const QDateTime&) override {}
         void setTime(const QTime&) override {}
     };
+    /// Whether the event loop has delivered anything. Its own word is not enough: it says that there was
+    /// nothing to do when only a timer without an interval has fired, which is how a long read is worked off.
+    class Deliveries : public QObject
+    {
+    public:
+        Deliveries();
+        bool haveCome() { return std::exchange(m_haveCome, false); } ///< since it was asked last
+
+    private:
+        bool eventFilter(QObject*, QEvent*) override
+        {
+            m_haveCome = true;
+            return false;
+        }
+
+        bool m_haveCome = false;
+    };
     class NoBackend : public VideoOverlay::CVideoOverlayControlBackend
     {
         void setOverlayVisible(bool) override {}
@@ -78,6 +100,7 @@ private:
     void checkReplies(const std::vector<WireOutcome>& outcomes);
     void checkElements();
 
+    Deliveries m_deliveries;
     std::optional<FakeDevices> m_devices;
     NoClock m_clock;
     NoBackend m_backend;
@@ -85,6 +108,7 @@ private:
     Mavril::VideoOverlay::CVideoOverlayManager m_manager;
     std::unique_ptr<Runner> m_runner;
     ModelDecoder m_model;
+    int m_typed = 0;        // characters, by this input
     QVector<int> m_sockets; // the newest is the last
     int m_unitEnd = -1;     // of the newest one's connection
     qint64 m_heapBefore = 0;

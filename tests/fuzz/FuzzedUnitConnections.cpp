@@ -118,19 +118,24 @@ void FuzzedUnit::send(const QByteArray& bytes)
         settle();
         return;
     }
-    for (int at = 0; at < bytes.size(); at += LargestRead) {
+    for (int at = 0; at < bytes.size() && m_typed < MostTyped; at += LargestRead) {
         const QByteArray read = bytes.mid(at, LargestRead);
         const auto sent = ::send(m_sockets.constLast(), read.constData(),
                                  static_cast<std::size_t>(read.size()), MSG_NOSIGNAL);
         demand(sent == read.size(), "the unit keeps its newest controller and takes what it says");
         awaitArrival(); // or it would be one read with what comes next
-        checkReplies(m_model.read(std::vector<std::uint8_t>(read.begin(), read.end())));
+        const auto outcomes = m_model.read(std::vector<std::uint8_t>(read.begin(), read.end()));
+        m_typed +=
+            static_cast<int>(std::count_if(outcomes.begin(), outcomes.end(), [](const WireOutcome& outcome) {
+                return outcome.kind == WireOutcome::Kind::Printable;
+            }));
+        checkReplies(outcomes);
     }
 }
 
 void FuzzedUnit::flood(quint8 command, quint8 line, int count)
 {
-    if (m_sockets.isEmpty() || m_model.state != 0) {
+    if (m_sockets.isEmpty() || m_model.state != 0 || m_typed >= MostTyped) {
         return; // where a read ends would matter, and the unit decides that now
     }
     send(QByteArray::fromHex("020501000003")); // takes what a dropped frame has left behind
