@@ -81,6 +81,14 @@ void FuzzedUnit::loadProfile(int number)
     settle();
 }
 
+void FuzzedUnit::removeProfile()
+{
+    m_manager.removeProfile();
+    demand(!m_manager.currentProfile() && m_manager.getElementList().isEmpty(),
+           "nothing is left of a profile that is removed");
+    settle();
+}
+
 void FuzzedUnit::deleteElement(int number)
 {
     const auto elements = m_manager.getElementList();

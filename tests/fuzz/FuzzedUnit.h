@@ -53,6 +53,7 @@ public:
     void disconnectNewest();
 
     void loadProfile(int number);
+    void removeProfile();
     void deleteElement(int number);
     void emitReadings(int kind, qint16 value);
     void setMeasurement(double value); ///< what the sensor, the laser and the reel say when they are asked

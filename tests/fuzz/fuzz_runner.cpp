@@ -45,6 +45,8 @@ QByteArray frameOf(FuzzInput& input)
     return frame + payload + '\x03';
 }
 
+constexpr int noProfile = 0xFE; ///< this number of a profile and the one above
+
 void whatTimeDoes(int which, FuzzInput& input, FuzzedUnit& unit)
 {
     switch (which % 4) {
@@ -79,7 +81,11 @@ void step(FuzzInput& input, FuzzedUnit& unit)
         unit.runner().setInterface(static_cast<Runner::SelectedInterface>(input.byte() % 4));
         break;
     case 10:
-        unit.loadProfile(input.byte());
+        if (const int number = input.byte(); number < noProfile) {
+            unit.loadProfile(number);
+        } else {
+            unit.removeProfile();
+        }
         break;
     case 11:
         unit.deleteElement(input.byte());
