@@ -42,6 +42,23 @@ public:
     QByteArray piece() { return bytes(byte()); }
     QByteArray rest() { return bytes(m_size); }
 
+    /// A frame of any length but for its end, from a few bytes: command, group, length, and a piece that is
+    /// repeated for as long as the length says.
+    QByteArray frameWithoutEnd()
+    {
+        QByteArray frame(1, '\x02');
+        frame += bytes(2);
+        const int low = byte();
+        const int high = byte();
+        frame.append(static_cast<char>(low)).append(static_cast<char>(high));
+        const QByteArray pattern = piece();
+        QByteArray payload(low + 256 * high, 'x');
+        for (int i = 0; !pattern.isEmpty() && i < payload.size(); ++i) {
+            payload[i] = pattern.at(i % pattern.size());
+        }
+        return frame + payload;
+    }
+
 private:
     const std::uint8_t* m_data;
     std::size_t m_size;

@@ -29,22 +29,6 @@ FuzzedUnit& unit()
     return theUnit;
 }
 
-/// A frame of any length, from a few bytes of input.
-QByteArray frameOf(FuzzInput& input)
-{
-    QByteArray frame(1, '\x02');
-    frame += input.bytes(2);
-    const int low = input.byte();
-    const int high = input.byte();
-    frame.append(static_cast<char>(low)).append(static_cast<char>(high));
-    const QByteArray pattern = input.piece();
-    QByteArray payload(low + 256 * high, 'x');
-    for (int i = 0; !pattern.isEmpty() && i < payload.size(); ++i) {
-        payload[i] = pattern.at(i % pattern.size());
-    }
-    return frame + payload + '\x03';
-}
-
 constexpr int noProfile = 0xFE; ///< this number of a profile and the one above
 
 void whatTimeDoes(int which, FuzzInput& input, FuzzedUnit& unit)
@@ -75,7 +59,7 @@ void step(FuzzInput& input, FuzzedUnit& unit)
 {
     switch (const int what = input.byte(); what % 16) {
     case 8:
-        unit.send(frameOf(input));
+        unit.send(input.frameWithoutEnd() + '\x03');
         break;
     case 9:
         unit.runner().setInterface(static_cast<Runner::SelectedInterface>(input.byte() % 4));
