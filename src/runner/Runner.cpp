@@ -1,5 +1,6 @@
 #include <Tolvar/Varundo/Runner.h>
 
+#include "HostMistakes.h"
 #include "InTurn.h"
 #include "RunnerLog.h"
 
@@ -22,6 +23,8 @@
 #include <QDateTime>
 #include <QMetaEnum>
 #include <QTimer>
+
+#include <initializer_list>
 
 namespace Tolvar::Varundo {
 
@@ -60,6 +63,7 @@ Runner::Runner(Tolvar::VideoOverlay::CVideoOverlayControlBackend* controlBackend
     , m_dataManager(new DataManager(this))
     , m_interface(storedInterface())
 {
+    refuseDeletionByOthers(m_dataManager, this);
     createOverlayManagerConnections();
     initDataManager();
     start();
@@ -142,9 +146,15 @@ void Runner::start()
     m_readCommandParser = new ReadCommandParser(m_readCommandResponder, this);
     m_writeCommandParser = new WriteCommandParser(m_dataManager, this);
     m_tcpServer = new TcpServer(nullptr);
+    for (QObject* const owned :
+         std::initializer_list<QObject*>{m_commandParser, m_readCommandResponder, m_executeCommandParser,
+                                         m_readCommandParser, m_writeCommandParser}) {
+        refuseDeletionByOthers(owned, this);
+    }
 
     // Which interface is selected is asked each time, so that a change takes effect at once.
     const auto isSelected = [this](SelectedInterface road) {
+        refuseWhileElementsAreRead(m_readsElements);
         if (m_interface != road) {
             qCDebug(runnerLog) << "not acted upon: it came over" << road << "and" << m_interface
                                << "is selected";

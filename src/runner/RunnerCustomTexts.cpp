@@ -1,5 +1,6 @@
 #include <Tolvar/Varundo/Runner.h>
 
+#include "HostMistakes.h"
 #include "InTurn.h"
 
 #include <Mavril/VideoOverlay/CVideoOverlayManager.h>
@@ -18,6 +19,7 @@ namespace Tolvar::Varundo {
 // destroy the Runner before it returns. What is used afterwards is looked at first.
 
 using Mavril::VideoOverlay::CVideoOverlayElement;
+using Mavril::VideoOverlay::CVideoOverlayManager;
 using Mavril::VideoOverlay::CVideoOverlayText;
 
 namespace {
@@ -93,6 +95,7 @@ void Runner::clearEmptyTexts()
 /// thousand.
 void Runner::deleteCustomTexts(bool (*isToGo)(const CVideoOverlayText& text))
 {
+    refuseWhileElementsAreRead(m_readsElements);
     const QPointer<Runner> self(this);
     const auto texts = m_customTexts;
     const bool withinAnother = std::exchange(m_keepPlaces, true);
@@ -135,7 +138,13 @@ int Runner::placeOfCustomText(const CVideoOverlayText* text)
 bool Runner::makeText(const NewText& wanted)
 {
     const QPointer<Runner> self(this);
-    const QPointer<CVideoOverlayText> element = m_overlayManager ? m_overlayManager->createText() : nullptr;
+    const QPointer<CVideoOverlayManager> manager = m_overlayManager;
+    if (!manager) {
+        return false;
+    }
+    CVideoOverlayText* const made = manager->createText();
+    refuseEndOfManager(manager);
+    const QPointer<CVideoOverlayText> element = made;
     if (!element) {
         return false;
     }
@@ -178,6 +187,7 @@ CVideoOverlayText* Runner::customTextAt(const QPoint& position) const
 
 void Runner::forgetCustomText(CVideoOverlayElement* element)
 {
+    refuseWhileElementsAreRead(m_readsElements);
     auto* const text = qobject_cast<CVideoOverlayText*>(element);
     if (!text) {
         return;

@@ -1,5 +1,6 @@
 #include <Tolvar/Varundo/Runner.h>
 
+#include "HostMistakes.h"
 #include "InTurn.h"
 
 #include <Mavril/VideoOverlay/CVideoOverlayManager.h>
@@ -145,8 +146,10 @@ void Runner::createOverlayManagerConnections()
         return;
     }
     connect(m_overlayManager, &CVideoOverlayManager::profileLoaded, this, [this] { bindProfile(); });
-    connect(m_overlayManager, &CVideoOverlayManager::beforeRemoveElements, this,
-            [this] { disconnectVarundo(); });
+    connect(m_overlayManager, &CVideoOverlayManager::beforeRemoveElements, this, [this] {
+        refuseWhileElementsAreRead(m_readsElements);
+        disconnectVarundo();
+    });
     connect(m_overlayManager, &CVideoOverlayManager::beforeRemoveElement, this,
             [this](CVideoOverlayElement* element) { forgetCustomText(element); });
 }
@@ -155,6 +158,7 @@ void Runner::createOverlayManagerConnections()
 /// gone.
 void Runner::bindProfile()
 {
+    refuseWhileElementsAreRead(m_readsElements);
     const QPointer<Runner> self(this);
     const quint32 profile = ++m_profile;
     const bool isLoaded = m_overlayManager->currentProfile();
@@ -166,9 +170,10 @@ void Runner::bindProfile()
 /// takes over, and whoever hears of that may change the overlay.
 void Runner::connectVarundo()
 {
+    refuseWhileElementsAreRead(m_readsElements);
     const QPointer<Runner> self(this);
     const quint32 profile = m_profile;
-    const auto elements = readElements(m_overlayManager);
+    const auto elements = readElements(self);
     for (const ReadElement& element : elements) {
         if (!self || m_profile != profile) {
             return;
@@ -189,17 +194,26 @@ void Runner::disconnectVarundo()
     disconnect(m_dataManager, nullptr, nullptr, nullptr);
 }
 
-/// Finds out what each text is; one that is nothing to the protocol is left out.
-QVector<Runner::ReadElement> Runner::readElements(const QPointer<CVideoOverlayManager>& manager)
+/// Finds out what each text is; one that is nothing to the protocol is left out. The Runner may go while it
+/// is asked.
+QVector<Runner::ReadElement> Runner::readElements(const QPointer<Runner>& runner)
 {
     QVector<ReadElement> found;
-    const QPointer<CVideoOverlayManager> asked = manager;
-    QMutex* const mutex = asked ? asked->mutex() : nullptr;
+    const QPointer<CVideoOverlayManager> asked = runner->m_overlayManager;
+    if (!asked) {
+        return found;
+    }
+    QMutex* const mutex = asked->mutex();
+    refuseEndOfManager(asked);
     if (!asked) {
         return found;
     }
     const QMutexLocker locker(mutex);
+    if (runner) {
+        runner->m_readsElements = true;
+    }
     const auto elements = asked->getElementList();
+    refuseEndOfManager(asked);
     for (CVideoOverlayElement* const element : elements) {
         auto* const text = qobject_cast<CVideoOverlayText*>(element);
         if (!text) {
@@ -215,6 +229,9 @@ QVector<Runner::ReadElement> Runner::readElements(const QPointer<CVideoOverlayMa
                        statusLineBinding(params.value(ElementParam::NAME_STATIC_ID).toInt())) {
             found.append({nullptr, statusLine, ElementState(*text)});
         }
+    }
+    if (runner) {
+        runner->m_readsElements = false;
     }
     return found;
 }

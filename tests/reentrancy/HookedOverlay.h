@@ -114,7 +114,7 @@ public:
 
     Profile* currentProfile() const override
     {
-        Profile* const profile = m_hasProfile ? reinterpret_cast<Profile*>(&m_profile) : nullptr;
+        Profile* const profile = hasProfile ? reinterpret_cast<Profile*>(&m_profile) : nullptr;
         m_points.reached("manager.currentProfile");
         return profile;
     }
@@ -190,7 +190,7 @@ public:
         addToProfile(E::NAME_STATIC_ID, QStringLiteral("1"));
         addToProfile(E::NAME_STATIC_ID, QStringLiteral("2"));
         addToProfile(E::NAME_COLUMNCAPTION, E::NAME_OSD_FREE_TEXT_BOX);
-        m_hasProfile = true;
+        hasProfile = true;
         emit profileLoaded();
     }
     void remove()
@@ -205,7 +205,7 @@ public:
             }
         }
         if (self) {
-            m_hasProfile = false;
+            hasProfile = false;
         }
     }
 
@@ -226,6 +226,7 @@ public:
     [[nodiscard]] QList<Element*> elements() const { return m_elements; }
 
     bool makesTexts = true;
+    bool hasProfile = false;
     bool deletesLater = false; ///< off the list at once, deleted by the event loop
 
 private:
@@ -253,7 +254,6 @@ private:
     QVector<Element*> m_removing;
     mutable QMutex m_mutex;
     mutable char m_profile = 0;
-    bool m_hasProfile = false;
 };
 
 } // namespace Tolvar::Varundo::Test

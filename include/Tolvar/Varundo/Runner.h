@@ -169,8 +169,7 @@ private:
     void bindProfile();
     static const ElementBinding* elementBinding(const QString& column);
     static const StatusLineBinding* statusLineBinding(int staticId);
-    static QVector<ReadElement>
-    readElements(const QPointer<Mavril::VideoOverlay::CVideoOverlayManager>& manager);
+    static QVector<ReadElement> readElements(const QPointer<Runner>& runner);
     void bindElement(const ElementState& state, const ElementBinding& binding);
     void follow(const ElementBinding& binding);
     void followUnit();
@@ -194,6 +193,7 @@ private:
     SelectedInterface m_interface = Serial;
     QMetaObject::Connection m_cursorConnection;
     bool m_entryContinues = false; // the next typed character is appended to the text at the cursor
+    bool m_readsElements = false;  // under the overlay's mutex
     quint32 m_profile = 0;         // counts the profiles that came and went; wraps
     using Texts = QVector<QPointer<Mavril::VideoOverlay::CVideoOverlayText>>;
     Texts m_customTexts;       // in order of creation, not owned
