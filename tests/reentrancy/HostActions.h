@@ -26,7 +26,8 @@ struct HostAction
     bool isHarsh() const
     {
         for (const char* const harsh :
-             {"deletes all elements", "loads a profile", "destroys the Runner", "destroys the overlay"}) {
+             {"deletes all elements", "loads a profile", "selects the other road", "selects Udp and back",
+              "destroys the Runner", "destroys the overlay"}) {
             if (qstrcmp(name, harsh) == 0) {
                 return true;
             }
