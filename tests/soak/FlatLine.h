@@ -32,6 +32,14 @@ public:
         return alone > 0 ? together / alone : 0;
     }
 
+    /// What the slope may be where steps of the noise's height mean nothing: more than wanted in a run that
+    /// is too short to tell the two apart.
+    double bound(double wanted, double noise) const
+    {
+        return std::max(wanted, noise / std::max(1.0, span() / 2));
+    }
+    static constexpr double decidingSeconds(double wanted, double noise) { return 2 * noise / wanted; }
+
     double span() const { return m_samples.isEmpty() ? 0 : m_samples.last().x() - m_samples.first().x(); }
     double highestOfFirstHalf() const { return highest(m_samples.mid(0, m_samples.size() / 2)); }
     double highestOfLastHalf() const { return highest(m_samples.mid(m_samples.size() / 2)); }

@@ -22,7 +22,7 @@ Traffic::Traffic(QIODevice* device, const QString& name, quint32 seed, QObject* 
     , m_random(seed)
 {
     m_client.setWindow(Window);
-    m_client.setTimeout(1000);
+    m_client.setTimeout(TimeoutMs);
 }
 
 void Traffic::start()

@@ -20,6 +20,9 @@ class Traffic final : public QObject
     Q_OBJECT
 
 public:
+    static constexpr int Window = 8; ///< requests under way at once
+    static constexpr int TimeoutMs = 1000;
+
     Traffic(QIODevice* device, const QString& name, quint32 seed, QObject* parent = nullptr);
 
     /// Reads are answered by the selected interface alone; on another only writes are sent.
@@ -29,7 +32,7 @@ public:
 
     void start();
     void stop(); ///< sends nothing more; what is under way comes to its end
-    bool isIdle() const { return m_underWay == 0; }
+    int underWay() const { return m_underWay; }
 
     qint64 done() const { return m_done; }
     qint64 lost() const { return m_lost; }     ///< while disturbed
@@ -37,8 +40,6 @@ public:
     QString firstError() const { return m_firstError; }
 
 private:
-    static constexpr int Window = 8;
-
     void sendNext();
     void finished(const Client::Reply& reply);
     CommandMessage nextCommand();

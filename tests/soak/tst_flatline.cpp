@@ -14,6 +14,7 @@ private slots:
     void onlyTheLastHalfCounts();
     void noiseAroundALevelIsFlat();
     void tooFewSamplesAreFlat();
+    void shortLineIsBoundByTheNoiseAndALongOneByWhatIsWanted();
 };
 
 void tst_FlatLine::slopeOfALineIsItsOwn()
@@ -52,6 +53,19 @@ void tst_FlatLine::tooFewSamplesAreFlat()
     QCOMPARE(line.slope(), 0.0);
     line.add(1, 7);
     QCOMPARE(line.slope(), 0.0);
+}
+
+void tst_FlatLine::shortLineIsBoundByTheNoiseAndALongOneByWhatIsWanted()
+{
+    QCOMPARE(FlatLine::decidingSeconds(1.0, 1000), 2000.0);
+    FlatLine line;
+    line.add(0, 5000);
+    line.add(500, 5000);
+    QCOMPARE(line.bound(1.0, 1000), 4.0);
+    line.add(2000, 5000);
+    QCOMPARE(line.bound(1.0, 1000), 1.0);
+    line.add(9000, 5000);
+    QCOMPARE(line.bound(1.0, 1000), 1.0);
 }
 
 QTEST_GUILESS_MAIN(tst_FlatLine)
