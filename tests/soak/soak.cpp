@@ -74,6 +74,7 @@ private:
     void reconnect();
     void select(const QByteArray& interface);
     void pull();
+    void beginFairTime(FairTimes* times, const QString& cause);
     void endFairTimes();
     qint64 doneOverTcp() const { return m_doneBefore + m_tcp->done(); }
     qint64 lost() const { return m_lostBefore + m_tcp->lost() + m_serial->lost(); }
@@ -212,9 +213,9 @@ void Soak::select(const QByteArray& interface)
         m_serial->setDisturbed(false);
         if (interface == "Serial") {
             m_serial->start();
-            m_serialTimes.begin(change, m_serial->done(), m_clock.elapsed());
+            beginFairTime(&m_serialTimes, change);
         } else {
-            m_tcpTimes.begin(change, doneOverTcp(), m_clock.elapsed());
+            beginFairTime(&m_tcpTimes, change);
         }
     });
 }
@@ -228,8 +229,16 @@ void Soak::pull()
     afterwards(adapterIsOutMs, [this] { tell("plug"); });
     afterwards(adapterIsOutMs + adapterSettlesMs, [this] {
         m_serial->setDisturbed(false);
-        m_serialTimes.begin(pulling, m_serial->done(), m_clock.elapsed());
+        beginFairTime(&m_serialTimes, pulling);
     });
+}
+
+/// What is under way by now is no proof that the road is served from here on.
+void Soak::beginFairTime(FairTimes* times, const QString& cause)
+{
+    const qint64 done =
+        times == &m_tcpTimes ? doneOverTcp() + m_tcp->underWay() : m_serial->done() + m_serial->underWay();
+    times->begin(cause, done, m_clock.elapsed());
 }
 
 void Soak::endFairTimes()
