@@ -1,10 +1,11 @@
 #ifndef TOLVAR_VARUNDO_TEST_FAIRTIMES_H
 #define TOLVAR_VARUNDO_TEST_FAIRTIMES_H
 
-#include <QHash>
+#include <QMap>
 #include <QString>
 #include <QStringList>
 
+#include <initializer_list>
 #include <utility>
 
 namespace Tolvar::Varundo::Test {
@@ -14,6 +15,12 @@ namespace Tolvar::Varundo::Test {
 class FairTimes
 {
 public:
+    enum class Cause {
+        None, // the road is disturbed
+        Switch,
+        Pull,
+    };
+
     static constexpr qint64 ShortestMs = 2000; ///< a shorter one, at the end of a run, decides nothing
 
     explicit FairTimes(QString road)
@@ -21,7 +28,7 @@ public:
     {}
 
     /// The road has settled; done: requests so far.
-    void begin(const QString& cause, qint64 done, qint64 ms)
+    void begin(Cause cause, qint64 done, qint64 ms)
     {
         m_cause = cause;
         m_doneAtBegin = done;
@@ -32,39 +39,45 @@ public:
     /// Whatever disturbs the road next; changes nothing when it is being disturbed already.
     void end(qint64 done, qint64 ms)
     {
-        const QString cause = std::exchange(m_cause, QString());
-        if (cause.isEmpty() || ms - m_beginMs < ShortestMs) {
+        const Cause cause = std::exchange(m_cause, Cause::None);
+        if (cause == Cause::None || ms - m_beginMs < ShortestMs) {
             return;
         }
         ++m_judged[cause];
         if (done <= m_doneAtBegin) {
             m_faults.append(QStringLiteral("the %1 road was not served after %2 %3")
-                                .arg(m_road, cause)
+                                .arg(m_road, nameOf(cause))
                                 .arg(m_begun[cause]));
         }
     }
 
-    int judged(const QString& cause) const { return m_judged.value(cause); }
+    int judged(Cause cause) const { return m_judged.value(cause); }
 
     /// Also those that nothing can be said of.
-    QStringList faults(const QStringList& wanted) const
+    QStringList faults(std::initializer_list<Cause> wanted) const
     {
         QStringList all = m_faults;
-        for (const QString& cause : wanted) {
+        for (const Cause cause : wanted) {
             if (judged(cause) == 0) {
-                all.append(QStringLiteral("the %1 road was never judged after a %2").arg(m_road, cause));
+                all.append(
+                    QStringLiteral("the %1 road was never judged after a %2").arg(m_road, nameOf(cause)));
             }
         }
         return all;
     }
 
 private:
+    static QString nameOf(Cause cause)
+    {
+        return cause == Cause::Pull ? QStringLiteral("pull") : QStringLiteral("switch");
+    }
+
     QString m_road;
-    QString m_cause; // empty while the road is disturbed
+    Cause m_cause = Cause::None;
     qint64 m_doneAtBegin = 0;
     qint64 m_beginMs = 0;
-    QHash<QString, int> m_begun;
-    QHash<QString, int> m_judged;
+    QMap<Cause, int> m_begun;
+    QMap<Cause, int> m_judged;
     QStringList m_faults;
 };
 

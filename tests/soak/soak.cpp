@@ -46,9 +46,6 @@ constexpr double allowedNoiseKiB = 1024.0
 /// A shorter run is measured by the noise.
 constexpr int decidingMinutes = int(FlatLine::decidingSeconds(allowedKiBPerSecond, allowedNoiseKiB) / 60) + 1;
 
-constexpr QLatin1String change("switch");
-constexpr QLatin1String pulling("pull");
-
 void say(const QString& line)
 {
     std::printf("%s\n", qPrintable(line));
@@ -74,7 +71,7 @@ private:
     void reconnect();
     void select(const QByteArray& interface);
     void pull();
-    void beginFairTime(FairTimes* times, const QString& cause);
+    void beginFairTime(FairTimes* times, FairTimes::Cause cause);
     void endFairTimes();
     qint64 doneOverTcp() const { return m_doneBefore + m_tcp->done(); }
     qint64 lost() const { return m_lostBefore + m_tcp->lost() + m_serial->lost(); }
@@ -213,9 +210,9 @@ void Soak::select(const QByteArray& interface)
         m_serial->setDisturbed(false);
         if (interface == "Serial") {
             m_serial->start();
-            beginFairTime(&m_serialTimes, change);
+            beginFairTime(&m_serialTimes, FairTimes::Cause::Switch);
         } else {
-            beginFairTime(&m_tcpTimes, change);
+            beginFairTime(&m_tcpTimes, FairTimes::Cause::Switch);
         }
     });
 }
@@ -229,12 +226,12 @@ void Soak::pull()
     afterwards(adapterIsOutMs, [this] { tell("plug"); });
     afterwards(adapterIsOutMs + adapterSettlesMs, [this] {
         m_serial->setDisturbed(false);
-        beginFairTime(&m_serialTimes, pulling);
+        beginFairTime(&m_serialTimes, FairTimes::Cause::Pull);
     });
 }
 
 /// What is under way by now is no proof that the road is served from here on.
-void Soak::beginFairTime(FairTimes* times, const QString& cause)
+void Soak::beginFairTime(FairTimes* times, FairTimes::Cause cause)
 {
     const qint64 done =
         times == &m_tcpTimes ? doneOverTcp() + m_tcp->underWay() : m_serial->done() + m_serial->underWay();
@@ -251,8 +248,9 @@ void Soak::endFairTimes()
 /// concerns it. What makes the unit take memory once comes first.
 void Soak::disturb()
 {
-    static_assert(switchSettlesMs + FairTimes::ShortestMs < 2 * stepMs, "between a switch and what is next");
-    static_assert(adapterIsOutMs + adapterSettlesMs + FairTimes::ShortestMs < 4 * stepMs, "after a pull");
+    static_assert(switchSettlesMs + FairTimes::ShortestMs < 2LL * stepMs,
+                  "between a switch and what is next");
+    static_assert(adapterIsOutMs + adapterSettlesMs + FairTimes::ShortestMs < 4LL * stepMs, "after a pull");
     switch (m_steps++ % 10) {
     case 0:
         tell("profile " + m_profile.fileName().toUtf8());
@@ -319,9 +317,9 @@ int Soak::verdict()
     QStringList faults = faultsOfTheRoads();
     say(QStringLiteral(
             "judged: TCP after %1 switches, serial after %2 switches and %3 pulls; lost: %4 (allowed: %5)")
-            .arg(m_tcpTimes.judged(change))
-            .arg(m_serialTimes.judged(change))
-            .arg(m_serialTimes.judged(pulling))
+            .arg(m_tcpTimes.judged(FairTimes::Cause::Switch))
+            .arg(m_serialTimes.judged(FairTimes::Cause::Switch))
+            .arg(m_serialTimes.judged(FairTimes::Cause::Pull))
             .arg(lost())
             .arg(mayBeLost()));
     m_tcp->stop();
@@ -349,7 +347,8 @@ int Soak::verdict()
 
 QStringList Soak::faultsOfTheRoads() const
 {
-    QStringList faults = m_tcpTimes.faults({change}) + m_serialTimes.faults({change, pulling});
+    QStringList faults = m_tcpTimes.faults({FairTimes::Cause::Switch}) +
+                         m_serialTimes.faults({FairTimes::Cause::Switch, FairTimes::Cause::Pull});
     const qint64 errors = m_errorsBefore + m_tcp->errors() + m_serial->errors();
     const QStringList firstErrors = {m_firstError, m_tcp->firstError(), m_serial->firstError()};
     if (errors > 0) {

@@ -6,8 +6,8 @@ using Tolvar::Varundo::Test::FairTimes;
 
 namespace {
 
-constexpr QLatin1String pull("pull");
-constexpr QLatin1String change("switch");
+constexpr FairTimes::Cause pull = FairTimes::Cause::Pull;
+constexpr FairTimes::Cause change = FairTimes::Cause::Switch;
 
 } // namespace
 
