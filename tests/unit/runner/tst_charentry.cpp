@@ -29,6 +29,7 @@ private slots:
     void firstCharacterReplacesAWrittenLineAndTheNextOnesAreAppended();
     void entryGoesOnAfterATextWrittenAtTheCursor();
     void textWrittenAtTheCursorDoesNotBeginAnEntry();
+    void characterThatMadeNoTextDoesNotBeginAnEntry();
     void entryGoesOnThoughItsTextWasDeleted();
     void firstOfTwoTextsThereTakesTheCharacters();
     void profilesTextTakesNoCharacters();
@@ -188,6 +189,17 @@ void TestCharEntry::entryGoesOnAfterATextWrittenAtTheCursor()
 void TestCharEntry::textWrittenAtTheCursorDoesNotBeginAnEntry()
 {
     HostedUnit unit;
+    unit.command(Protocol::Write, 0x95, QByteArray("hello"));
+    type(unit, "!");
+    QCOMPARE(unit.manager.createdTexts(), inOrder("!"));
+}
+
+void TestCharEntry::characterThatMadeNoTextDoesNotBeginAnEntry()
+{
+    HostedUnit unit;
+    unit.manager.makesTexts = false;
+    type(unit, "x");
+    unit.manager.makesTexts = true;
     unit.command(Protocol::Write, 0x95, QByteArray("hello"));
     type(unit, "!");
     QCOMPARE(unit.manager.createdTexts(), inOrder("!"));
