@@ -1,6 +1,7 @@
 // How the host's elements are keyed, found and changed.
 
 #include "CallLog.h"
+#include "HeapInUse.h"
 #include "RecordingElement.h"
 
 #include <Mavril/VideoOverlay/ElementParam.h>
@@ -52,6 +53,7 @@ private slots:
     void elementUnderTwoKeysLosesOnePerUnregistering();
     void elementAtTheAddressOfOneThatIsGoneHasItsOwnKey();
     void keysOfManyElementsAreTakenOverWithoutAWalkForEach();
+    void nothingIsKeptOfElementsThatWereReplaced();
     void manyElementsAreUnregisteredWithoutAWalkForEach();
     void destroyingTheAccessorDeletesNoElement();
 
@@ -264,6 +266,25 @@ void TestAccessor::keysOfManyElementsAreTakenOverWithoutAWalkForEach()
     const std::clock_t first = timeToRegister();
     const std::clock_t second = timeToRegister();
     QVERIFY2(second < 10 * first, qPrintable(QStringLiteral("%1, then %2").arg(first).arg(second)));
+}
+
+/// A host may put one element after the other under a key, for months.
+void TestAccessor::nothingIsKeptOfElementsThatWereReplaced()
+{
+    constexpr int Count = 20000;
+    ZelVideoOverlayElementAccessor accessor;
+    QObject owner;
+    std::vector<QPointer<RecordingElement>>
+        elements; // a guard of its own for each, so that none is made later
+    for (int i = 0; i < Count; ++i) {
+        elements.emplace_back(new RecordingElement(QString(), m_log, &owner));
+    }
+    const qint64 before = heapInUse();
+    for (const auto& element : elements) {
+        accessor.registerElement(QStringLiteral("key"), element);
+    }
+    const qint64 kept = heapInUse() - before;
+    QVERIFY2(kept < 64 * 1024, qPrintable(QString::number(kept)));
 }
 
 void TestAccessor::manyElementsAreUnregisteredWithoutAWalkForEach()

@@ -213,6 +213,12 @@ void TestFrameCodecRecovery::theSinkIsAskedAfterEveryCompleteFrameAndPrintableBy
     const QByteArray read = hex("41 0D 020501000003 02000101004103 020601000003 0205");
     QCOMPARE(decoder.decode(read.constData(), read.size(), sink), qsizetype(read.size()));
     QCOMPARE(sink.timesAsked(), 4);
+    // With nothing behind them there is nothing to ask: most reads are one frame.
+    decoder = FrameDecoder();
+    for (const char* const whole : {"020501000003", "41"}) {
+        decoder.decode(hex(whole).constData(), hex(whole).size(), sink);
+    }
+    QCOMPARE(sink.timesAsked(), 4);
 }
 
 void TestFrameCodecRecovery::stoppingReturnsWhatWasUsedUp()
