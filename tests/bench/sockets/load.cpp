@@ -263,15 +263,15 @@ int main(int argc, char** argv)
     latencies.sort();
     const auto requests = static_cast<double>(done);
     const auto size = static_cast<double>(scenario->requestSize() + scenario->reply().size());
-    std::printf("{\"requests\": %zu, \"seconds\": %.6f, \"rate\": %.1f, \"bytes_per_second\": %.0f, "
-                "\"server_ns\": %.1f, \"load_ns\": %.1f, \"share\": %.4f, \"switches\": %.3f, "
-                "\"p50_ns\": %" PRIu32 ", \"p99_ns\": %" PRIu32 ", \"p999_ns\": %" PRIu32
-                ", \"peak_kib\": %" PRId64 ", \"resident_before_kib\": %" PRId64 ", \"resident_kib\": %" PRId64 "}\n",
-                done, wall, requests / wall, requests * size / wall,
-                static_cast<double>(serverTime) / requests, static_cast<double>(loadTime) / requests,
-                static_cast<double>(serverTime + loadTime) / (wall * 1e9),
-                static_cast<double>(switches) / requests, latencies.quantile(0.5), latencies.quantile(0.99),
-                latencies.quantile(0.999), statusFigure(server, "VmHWM:"), residentBefore,
-                statusFigure(server, "VmRSS:"));
+    std::printf(
+        "{\"requests\": %zu, \"seconds\": %.6f, \"rate\": %.1f, \"bytes_per_second\": %.0f, "
+        "\"server_ns\": %.1f, \"load_ns\": %.1f, \"share\": %.4f, \"switches\": %.3f, "
+        "\"p50_ns\": %" PRIu32 ", \"p99_ns\": %" PRIu32 ", \"p999_ns\": %" PRIu32 ", \"peak_kib\": %" PRId64
+        ", \"resident_before_kib\": %" PRId64 ", \"resident_kib\": %" PRId64 "}\n",
+        done, wall, requests / wall, requests * size / wall, static_cast<double>(serverTime) / requests,
+        static_cast<double>(loadTime) / requests, static_cast<double>(serverTime + loadTime) / (wall * 1e9),
+        static_cast<double>(switches) / requests, latencies.quantile(0.5), latencies.quantile(0.99),
+        latencies.quantile(0.999), statusFigure(server, "VmHWM:"), residentBefore,
+        statusFigure(server, "VmRSS:"));
     return 0;
 }
