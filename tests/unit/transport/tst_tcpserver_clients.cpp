@@ -27,6 +27,26 @@ void letTheServerRun()
     QTest::qWait(50);
 }
 
+/// Does something when the event loop has its turn, before what was posted earlier.
+class BeforeOthers final : public QObject
+{
+public:
+    explicit BeforeOthers(std::function<void()> act)
+        : m_act(std::move(act))
+    {}
+    void post() { QCoreApplication::postEvent(this, new QEvent(QEvent::User), Qt::HighEventPriority); }
+    bool event(QEvent* event) override
+    {
+        if (event->type() == QEvent::User) {
+            m_act();
+        }
+        return QObject::event(event);
+    }
+
+private:
+    std::function<void()> m_act;
+};
+
 } // namespace
 
 /// Several clients, and clients that go: the newest is served, the others stay open and unread, and whoever
@@ -57,6 +77,7 @@ private slots:
     void aClientThatResetsDuringItsAnswerHarmsNobody();
     void aClientThatGoesBeforeItIsAcceptedHarmsNobody();
     void aClientMayHaveTheFirstDescriptor();
+    void aConnectionThatWaitsEndsWithTheServer();
     void aServerThatIsDestroyedDisconnectsAllClients();
     void aServerMayBeDeletedLaterFromWithinARecord();
 
@@ -414,6 +435,27 @@ void TestTcpServerClients::aClientMayHaveTheFirstDescriptor()
         QVERIFY(isServed);
         QCOMPARE(first, 0);
         QVERIFY(isGone);
+    }
+    close(input);
+}
+
+/// Whatever descriptor it has.
+void TestTcpServerClients::aConnectionThatWaitsEndsWithTheServer()
+{
+    const int input = dup(0);
+    QVERIFY(input > 0);
+    {
+        ObservedTcpServer server;
+        BeforeOthers destruction([&] { server.destroy(); });
+        auto* const listener = server->findChild<QTcpServer*>();
+        QVERIFY(listener);
+        connect(listener, &QTcpServer::newConnection, this, [&] { destruction.post(); });
+        WireClient client;
+        close(0);
+        const bool hasEnded = QTest::qWaitFor([&] { return !client.isConnected(); });
+        dup2(input, 0);
+        QCOMPARE(server.connections(), 0);
+        QVERIFY(hasEnded);
     }
     close(input);
 }
