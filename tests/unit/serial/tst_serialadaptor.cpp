@@ -60,6 +60,7 @@ private slots:
     void closeAfterAFailedOpenReachesThePort();
     void portThatIsOpenedWhileAnOpenFailsIsOpen();
     void portThatOnlyReportsErrorsIsGivenUp();
+    void hundredErrorsInARowAreTheLinesEnd_data();
     void hundredErrorsInARowAreTheLinesEnd();
     void openingForgetsTheErrorsOfTheLineBefore();
     void bytesThatWaitDoNotMakeAnErrorTheLinesEnd();
@@ -280,11 +281,25 @@ void TestSerialAdaptor::portThatOnlyReportsErrorsIsGivenUp()
     QVERIFY(!adapter.isOpenedByUnit());
 }
 
+void TestSerialAdaptor::hundredErrorsInARowAreTheLinesEnd_data()
+{
+    QTest::addColumn<int>("errorsBeforeAFrame");
+    QTest::newRow("since the port was opened") << 0;
+    QTest::newRow("since bytes have come") << 60;
+}
+
 void TestSerialAdaptor::hundredErrorsInARowAreTheLinesEnd()
 {
-    const PseudoAdapter adapter(Node);
+    QFETCH(int, errorsBeforeAFrame);
+    PseudoAdapter adapter(Node);
     ObservedSerialAdaptor unit;
     unit->openSerialPort(Name);
+    if (errorsBeforeAFrame > 0) {
+        for (int count = 0; count < errorsBeforeAFrame; ++count) {
+            emit unit.port().errorOccurred(QSerialPort::ReadError);
+        }
+        QCOMPARE(adapter.exchange(writeFrame(1, QByteArray())), Ack);
+    }
     for (int count = 0; count < 99; ++count) {
         emit unit.port().errorOccurred(QSerialPort::ReadError);
     }
