@@ -83,7 +83,10 @@ public:
     Counters counters;
 
 private:
-    [[nodiscard]] std::size_t announced() const { return static_cast<std::size_t>(low) + 256 * static_cast<std::size_t>(high); }
+    [[nodiscard]] std::size_t announced() const
+    {
+        return static_cast<std::size_t>(low) + 256 * static_cast<std::size_t>(high);
+    }
 
     void waitStart(int byte, std::vector<WireOutcome>& outcomes)
     {
