@@ -113,7 +113,11 @@ def main():
     figures = {}
     has_not_grown = True
     if given.what in ("all", "sockets"):
-        network.enter()
+        try:
+            network.enter()
+        except OSError as error:
+            sys.exit(f"error: {error.strerror}: the servers are compared in a network of their own, with "
+                     f"{network.CONGESTION_CONTROL}; as root it takes a kernel with network namespaces")
         figures["sockets"] = run_sockets(given.folder, given)
         if given.svg:
             with open(given.svg, "w", encoding="utf-8") as file:

@@ -22,8 +22,7 @@ def enter():
     """For this process and all that it starts. Nothing outside is changed."""
     libc = ctypes.CDLL(None, use_errno=True)
     if libc.unshare(CLONE_NEWNET if os.geteuid() == 0 else CLONE_NEWNET | CLONE_NEWUSER) != 0:
-        raise OSError(ctypes.get_errno(), "cannot make a network for the benchmarks alone: "
-                      + os.strerror(ctypes.get_errno()))
+        raise OSError(ctypes.get_errno(), os.strerror(ctypes.get_errno()))
     with socket.socket() as any_socket:
         fcntl.ioctl(any_socket, SIOCSIFFLAGS, struct.pack("16sH14x", b"lo", IFF_UP))
     with open("/proc/sys/net/ipv4/tcp_congestion_control", "w", encoding="ascii") as setting:
